@@ -1,0 +1,87 @@
+// vanto/base.h - types shared by every family of the VantoRtl interface.
+//
+// Included by every other public header; applications rarely include it on
+// its own.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#if defined(_WIN32)
+#  if defined(VANTORTL_BUILDING)
+#    define VANTO_API __declspec(dllexport)
+#  elif defined(VANTORTL_STATIC)
+#    define VANTO_API
+#  else
+#    define VANTO_API __declspec(dllimport)
+#  endif
+#else
+#  define VANTO_API __attribute__((visibility("default")))
+#endif
+
+/// Size of a path buffer: 259 characters and the terminating NUL.
+inline constexpr std::size_t VNT_MAX_PATH = 260;
+
+/// A path buffer. Every copy into one is cut at 259 characters and terminated.
+using VNT_PATH = char[VNT_MAX_PATH];
+
+/// Answer of every function that shows a message box:
+/// 1 OK/Yes/Retry (or a suppressed message), 2 Cancel/Abort (or an empty
+/// text), 7 No/Ignore (or Cancel in a Yes/No box), -1 the box could not be
+/// created.
+using VNT_RESP = long;
+
+inline constexpr VNT_RESP VNT_RESP_OK = 1;
+inline constexpr VNT_RESP VNT_RESP_CANCEL = 2;
+inline constexpr VNT_RESP VNT_RESP_NO = 7;
+inline constexpr VNT_RESP VNT_RESP_FAIL = -1;
+
+/// A message reference: either a message number or the address of a literal
+/// text that is used as it stands.
+///
+///   VntMsgRef(1..65535)   message number (32768 and above: system messages)
+///   VntMsgRef(0)          the first message when iterating
+///   VntMsgRef(-1)         the next message when iterating
+///   VntMsgRef("text")     the literal text "text"
+///
+/// The reference is tagged, so a text keeps its meaning on hosts whose
+/// `long` is narrower than a pointer. An integer outside -1..65535 that is
+/// not a text stands for the empty literal text.
+class VntMsgRef {
+public:
+    constexpr VntMsgRef() noexcept = default;
+    constexpr VntMsgRef(int id) noexcept : value_(id) {}
+    constexpr VntMsgRef(long id) noexcept : value_(static_cast<std::intptr_t>(id)) {}
+    constexpr VntMsgRef(long long id) noexcept : value_(static_cast<std::intptr_t>(id)) {}
+    constexpr VntMsgRef(unsigned id) noexcept : value_(static_cast<std::intptr_t>(id)) {}
+    constexpr VntMsgRef(unsigned long id) noexcept : value_(static_cast<std::intptr_t>(id)) {}
+    VntMsgRef(const char* text) noexcept
+        : value_(reinterpret_cast<std::intptr_t>(text)), text_(true) {}
+
+    /// True when the reference names a literal text (a null text included).
+    constexpr bool IsText() const noexcept { return text_ || value_ < -1 || value_ > 65535; }
+    /// True for a message number 1..65535.
+    constexpr bool IsId() const noexcept { return !text_ && value_ >= 1 && value_ <= 65535; }
+    /// True for 0 (first) and -1 (next).
+    constexpr bool IsIteration() const noexcept { return !text_ && (value_ == 0 || value_ == -1); }
+    /// The message number, 0 or -1; meaningless for a text.
+    constexpr long Id() const noexcept { return static_cast<long>(value_); }
+    /// The literal text; "" for an integer outside -1..65535 or a null text.
+    const char* Text() const noexcept {
+        if (text_) {
+            const char* p = reinterpret_cast<const char*>(value_);
+            return p ? p : "";
+        }
+        return "";
+    }
+    /// The raw value: the number, or the text's address.
+    constexpr std::intptr_t Raw() const noexcept { return value_; }
+
+    friend constexpr bool operator==(const VntMsgRef& a, const VntMsgRef& b) noexcept {
+        return a.value_ == b.value_ && a.text_ == b.text_;
+    }
+
+private:
+    std::intptr_t value_ = 0;
+    bool text_ = false;
+};

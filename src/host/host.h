@@ -1,0 +1,108 @@
+// The host layer: the only code that talks to the operating system.
+//
+// Paths handed in and out are library paths (backslashes, "X:" volumes,
+// Windows-1252); the host converts them at this boundary. The interface uses
+// no operating-system types so that a Win32 host can stand beside the POSIX
+// one without touching its callers.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace vnt::host {
+
+// ---------------------------------------------------------------------------
+// Text: Windows-1252 <-> UTF-8
+// ---------------------------------------------------------------------------
+
+/// Appends the UTF-8 form of the Windows-1252 bytes to `out`. Total: the five
+/// bytes Windows-1252 leaves undefined map to the C1 controls of the same value.
+void cp1252ToUtf8(const char* src, std::size_t len, std::string& out);
+std::string cp1252ToUtf8(const std::string& src);
+
+/// Converts UTF-8 to Windows-1252 into `out`. False on malformed UTF-8 or a
+/// character without a Windows-1252 form; `badPos` then receives the byte
+/// offset of the offending sequence.
+bool utf8ToCp1252(const char* src, std::size_t len, std::string& out,
+                  std::size_t* badPos = nullptr);
+
+// ---------------------------------------------------------------------------
+// Volumes, current directory and path conversion
+// ---------------------------------------------------------------------------
+
+/// Maps a letter (A-Z, either case) to a host directory (UTF-8, must exist).
+bool volMap(char letter, const char* hostDir);
+/// Removes a mapping; false if there was none.
+bool volUnmap(char letter);
+/// True if the letter is mapped to a directory that exists now.
+bool volKnown(char letter);
+
+/// Current directory as a library path ("Z:\work\main").
+std::string curDir();
+/// The remembered current directory of a volume ("C:\" when it has none
+/// yet); empty for an unmapped letter.
+std::string volCurDir(char letter);
+/// Makes `libPath` (absolute: "X:\..." after completion) the current
+/// directory of its volume and that volume current. False if it does not
+/// exist as a directory or cannot be represented.
+bool setCurDir(const std::string& libPath);
+
+/// Library path -> host path (UTF-8). Relative names are taken against the
+/// current directory; components that do not exist as written are matched
+/// without regard to case. False: unmapped volume, UNC name, a name not
+/// representable on the host.
+bool toHost(const char* libPath, std::string& hostPath);
+/// Host path -> library path through the volume holding it (longest mapping).
+bool fromHost(const char* hostPath, std::string& libPath);
+
+// ---------------------------------------------------------------------------
+// Files
+// ---------------------------------------------------------------------------
+
+/// An open file. Move-only; closes itself.
+class File {
+public:
+    File() = default;
+    File(File&& o) noexcept : fd_(o.fd_) { o.fd_ = -1; }
+    File& operator=(File&& o) noexcept;
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    ~File() { close(); }
+
+    /// Opens for binary reading. False (with errno-like lastError()) on failure.
+    bool openRead(const char* libPath);
+    bool isOpen() const { return fd_ >= 0; }
+    /// Reads up to n bytes; returns the count read (0 at the end or on error).
+    std::size_t read(void* buf, std::size_t n);
+    /// Reads at an absolute position without moving the file position.
+    std::size_t readAt(void* buf, std::size_t n, std::uint64_t pos);
+    /// Moves to an absolute position; false on failure.
+    bool seek(std::uint64_t pos);
+    /// Size of the file; -1 on failure.
+    std::int64_t size();
+    void close();
+
+private:
+    int fd_ = -1;
+};
+
+/// Text of the host's last error, for messages.
+std::string lastErrorText();
+
+// ---------------------------------------------------------------------------
+// Fault injection for tests: make the n-th following call of an operation
+// fail (n = 1: the next one). Reset by faultReset().
+// ---------------------------------------------------------------------------
+
+enum class Op { Open, Read, Seek, Write, Rename, Remove, Stat, List, Load, Count };
+void faultAt(Op op, int nth);
+void faultReset();
+/// Internal: true when this call of `op` shall fail.
+bool faultHit(Op op);
+
+/// Restores the whole host state to its start (volume table, current
+/// directories, faults). For tests.
+void reset();
+
+}  // namespace vnt::host
