@@ -27,6 +27,10 @@ std::string cp1252ToUtf8(const std::string& src);
 bool utf8ToCp1252(const char* src, std::size_t len, std::string& out,
                   std::size_t* badPos = nullptr);
 
+/// Upper case of a Windows-1252 character (ASCII letters, the accented
+/// letters and the four pairs of the 0x8A..0x9F range).
+unsigned char cp1252Upper(unsigned char c);
+
 // ---------------------------------------------------------------------------
 // Volumes, current directory and path conversion
 // ---------------------------------------------------------------------------
