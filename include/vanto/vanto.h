@@ -1,0 +1,6 @@
+// vanto/vanto.h - the whole VantoRtl interface in one include.
+#pragma once
+
+#include "vanto/base.h"
+#include "vanto/lfn.h"
+#include "vanto/vtm.h"
