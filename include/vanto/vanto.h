@@ -3,4 +3,5 @@
 
 #include "vanto/base.h"
 #include "vanto/lfn.h"
+#include "vanto/text.h"
 #include "vanto/vtm.h"
