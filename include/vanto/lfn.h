@@ -16,7 +16,8 @@
 //   separator pos.  the last '\'; without one, the position after the colon
 //                   of a volume prefix; without either, the end of the name
 //
-// Functions that return bool give true for success or a yes. Results that
+// Functions that return bool give true for success or a yes; the tests give
+// false for a null name. Results that
 // live in static storage (Vnt_LfnNameExtS, Vnt_LfnNameOut) are overwritten by
 // later calls; none of these functions may be called from a second thread.
 #pragma once
@@ -45,16 +46,18 @@ VANTO_API bool Vnt_LfnNameIsRoot(const char* name);
 
 /// True if the name has a '\' or a volume prefix. `sep`, when given, receives
 /// the separator position (on false: the end of the name).
+///   "C:\a\b" => true, sep at "\b"    "C:x" => true, sep at "x"    "x" => false
 VANTO_API bool Vnt_LfnNameIsPath(const char* name, const char** sep = nullptr);
 VANTO_API bool Vnt_LfnNameIsPath(char* name, char** sep);
 
 /// True if the name has a volume prefix; `after` receives the position after
-/// the colon.
+/// the colon (without a prefix: the start of the name). Any character may
+/// stand before the colon: "1:x" => true.
 VANTO_API bool Vnt_LfnNameHasVol(const char* name, const char** after = nullptr);
 VANTO_API bool Vnt_LfnNameHasVol(char* name, char** after);
 
 /// True if the name is a bare volume ("X:"); `after` receives the position
-/// after the colon.
+/// after the colon (without a prefix: the start of the name).
 VANTO_API bool Vnt_LfnNameIsVol(const char* name, const char** after = nullptr);
 VANTO_API bool Vnt_LfnNameIsVol(char* name, char** after);
 
@@ -73,7 +76,9 @@ VANTO_API bool Vnt_LfnNameIsVol(char* name, char** after);
 /// characters are written, and when fewer than 8 characters of room remain
 /// it is cut and the result is false even if it would have fitted: this
 /// eight-character reservation is kept for compatibility. A name cut to fit
-/// gives false but the joined text is still delivered.
+/// gives false but the joined text is still delivered; a directory that
+/// leaves no room for a name gives false and the target is unchanged. A size
+/// below 2 gives false. Any argument may point into the target.
 VANTO_API bool Vnt_LfnNameMake(char (&buf)[VNT_MAX_PATH], const char* dir, const char* name,
                                const char* ext);
 /// The same for a character array of any size.
@@ -81,7 +86,8 @@ VANTO_API bool Vnt_LfnNameMake(char* buf, std::size_t size, const char* dir, con
                                const char* ext);
 
 /// Splits a name into directory, file (with its extension) and extension;
-/// each output is optional and may be the input itself.
+/// each output is an optional path buffer and may be the input itself. The
+/// extension is the text after the LAST dot of the file part.
 ///   "C:\a.b\file" => "C:\a.b", "file", ""
 ///   "C:\file"     => "C:\", "file", ""       "\file" => "\", "file", ""
 ///   "C:file"      => "C:", "file", ""        "x.txt" => "", "x.txt", "txt"
@@ -95,8 +101,9 @@ VANTO_API void Vnt_LfnNameSplit(const char* name, char* dir, char* file, char* e
 VANTO_API const char* Vnt_LfnNameExtS(char* name, std::size_t size, const char* ext);
 /// Vnt_LfnNameExtS on a path buffer.
 VANTO_API const char* Vnt_LfnNameExt(char (&buf)[VNT_MAX_PATH], const char* ext);
-/// Appends '.' unless the name is empty or ends in one, then Vnt_LfnNameExt:
-/// an existing extension is replaced ("file.txt" + "bak" => "file.bak").
+/// Appends '.' unless the name is empty, ends in one or has 258 characters or
+/// more, then Vnt_LfnNameExt: an existing extension is replaced
+/// ("file.txt" + "bak" => "file.bak"), kept for compatibility.
 VANTO_API const char* Vnt_LfnNameExtAdd(char (&buf)[VNT_MAX_PATH], const char* ext);
 
 // ---------------------------------------------------------------------------
@@ -107,32 +114,43 @@ VANTO_API const char* Vnt_LfnNameExtAdd(char (&buf)[VNT_MAX_PATH], const char* e
 /// resolves "." and "..". False (name unchanged) for an unknown volume or a
 /// volume that cannot be made current. UNC names are left as they are.
 ///   "x" with current directory "Z:\work" => "Z:\work\x"
+///   "\x" => "Z:\x"    "T:" => T's current directory    "T:y" => under it
+/// The current directory is saved into the static slot of Vnt_LfnDirSave and
+/// restored, so a directory saved there before is overwritten.
 VANTO_API bool Vnt_LfnNameComplete(char (&buf)[VNT_MAX_PATH]);
 
 /// Resolves "." and ".." in place.  "C:\a\b\..\c\.\d" => "C:\a\c\d";
-/// "C:\.." => false; a ".." that is not a whole component => false. On false
-/// the buffer may be partly rewritten.
+/// "C:\.." => false; a ".." that is not a whole component => false. A
+/// trailing backslash goes unless the name is a root; a final "\." goes with
+/// its backslash ("C:\." => "C:"). On false the buffer may be partly rewritten.
 VANTO_API bool Vnt_LfnNameMakeAbs(char (&buf)[VNT_MAX_PATH]);
 
 /// Without a base: `dst` = name completed (Vnt_LfnNameComplete). With a base:
 /// the part the name shares with the base (same volume, or a name starting
 /// with '\') is skipped, the rest is joined under the base and dots are
-/// resolved. A rooted name sharing nothing with the base is joined under it.
+/// resolved. A rooted name sharing nothing with the base is joined under it;
+/// the shared part is matched by characters, not components, kept for
+/// compatibility:  ("C:\data\m1", "c:\DATA") => "c:\DATA\m1";
+/// ("\x", "C:\d") => "C:\d\x";  ("C:\datax\f", "C:\data") => "C:\data\x\f".
+/// Without a base a null name gives false.
 VANTO_API bool Vnt_LfnNameMakeAbs(char (&dst)[VNT_MAX_PATH], const char* name,
                                   const char* base);
 
 /// Takes the first token of a command line into `dst`: a quoted token runs to
 /// the next quote, else to the next blank or tab (or, with `whole`, to the
 /// end of the line). `rest`, when given, points at the rest of the line. With
-/// `remove` the line is rewritten to hold " " + rest (or nothing).
+/// `remove` the line is rewritten to hold " " + rest (or nothing), and `rest`
+/// points after that blank. With `whole` leading blanks are kept. False for
+/// a null line, an empty token or a token cut at 259 characters.
 ///   "\"C:\My Dir\app.exe\" -x 1" => "C:\My Dir\app.exe", rest "-x 1"
 VANTO_API bool Vnt_LfnNameExtract(char (&dst)[VNT_MAX_PATH], char* line, bool remove,
                                   char** rest = nullptr, bool whole = false);
 
 /// Shortened display form of a name for messages: shorter than `width` (0 or
 /// above 260 means 38) it is returned whole, else as the first 3 characters,
-/// "..." and the last width - 7 characters. The result lies in one of three
-/// static buffers used in turn, so three results may stand in one message.
+/// "..." and the last width - 7 characters (below 8: "abc..." alone). The
+/// result lies in one of three static buffers used in turn, so three results
+/// may stand in one message. Never lower-cased on this host.
 VANTO_API const char* Vnt_LfnNameOut(const char* name, long width = 0);
 
 // ---------------------------------------------------------------------------
@@ -149,7 +167,10 @@ VANTO_API bool Vnt_LfnVolFind(const char* path);
 
 /// Sets the current directory. A path with a volume letter first makes that
 /// volume current; "X:" alone goes to the volume's remembered directory.
-/// Null, empty or a directory that does not exist gives false.
+/// Relative names are taken against the current directory of their volume
+/// ("X:rel", "rel"; "\x" is on the current volume) and dots are resolved.
+/// Null, empty, 260 characters or more, above the root, an unknown volume or
+/// a directory that does not exist gives false.
 VANTO_API bool Vnt_LfnDirSet(const char* path);
 
 /// Puts the current directory into `buf` (false if it needs 260 characters
