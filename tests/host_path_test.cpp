@@ -8,6 +8,7 @@
 
 #include "host/host.h"
 #include "vanto/lfn.h"
+#include "vanto/text.h"
 
 namespace fs = std::filesystem;
 using namespace vnt::host;
@@ -41,11 +42,11 @@ protected:
 
 TEST(Cp1252, EveryByteRoundTrips) {
     for (int b = 1; b < 256; ++b) {
-        std::string in(1, static_cast<char>(b)), utf8 = cp1252ToUtf8(in), back;
-        ASSERT_TRUE(utf8ToCp1252(utf8.data(), utf8.size(), back)) << b;
+        std::string in(1, static_cast<char>(b)), utf8 = Vnt_TxtToUtf8(in), back;
+        ASSERT_TRUE(Vnt_TxtFromUtf8(utf8, back)) << b;
         EXPECT_EQ(back, in) << b;
     }
-    EXPECT_EQ(cp1252ToUtf8(std::string("\x80\xE4\xDF")), "\u20AC\u00E4\u00DF");
+    EXPECT_EQ(Vnt_TxtToUtf8("\x80\xE4\xDF"), "\u20AC\u00E4\u00DF");
 }
 
 TEST(Cp1252, RefusesWhatHasNoForm) {
@@ -62,19 +63,19 @@ TEST(Cp1252, RefusesWhatHasNoForm) {
     for (const Row& r : rows) {
         std::string out;
         std::size_t bad = 999;
-        EXPECT_FALSE(utf8ToCp1252(r.utf8.data(), r.utf8.size(), out, &bad)) << r.name;
+        EXPECT_FALSE(Vnt_TxtFromUtf8(r.utf8, out, &bad)) << r.name;
         EXPECT_EQ(bad, r.badPos) << r.name;
     }
 }
 
 TEST(Cp1252, UpperCase) {
-    EXPECT_EQ(cp1252Upper('a'), 'A');
-    EXPECT_EQ(cp1252Upper(0xE4), 0xC4);  // ä
-    EXPECT_EQ(cp1252Upper(0xFF), 0x9F);  // ÿ
-    EXPECT_EQ(cp1252Upper(0x9A), 0x8A);  // š
-    EXPECT_EQ(cp1252Upper(0xDF), 0xDF);  // ß has no single upper case
-    EXPECT_EQ(cp1252Upper(0xF7), 0xF7);  // ÷ is no letter
-    EXPECT_EQ(cp1252Upper('1'), '1');
+    EXPECT_EQ(Vnt_TxtUpper('a'), 'A');
+    EXPECT_EQ(Vnt_TxtUpper(0xE4), 0xC4);  // ä
+    EXPECT_EQ(Vnt_TxtUpper(0xFF), 0x9F);  // ÿ
+    EXPECT_EQ(Vnt_TxtUpper(0x9A), 0x8A);  // š
+    EXPECT_EQ(Vnt_TxtUpper(0xDF), 0xDF);  // ß has no single upper case
+    EXPECT_EQ(Vnt_TxtUpper(0xF7), 0xF7);  // ÷ is no letter
+    EXPECT_EQ(Vnt_TxtUpper('1'), '1');
 }
 
 TEST_F(HostTest, ToHostFindsComponentsWithoutCase) {

@@ -51,15 +51,25 @@ enum VNT_VTM_STATUS : long {
 /// Opens a library by file name (library path). A library whose header name
 /// equals the file's base name (first 8 characters, up to the first dot) is
 /// shared with an earlier open of it: its reference count rises instead.
-/// Returns null on failure; Vnt_VtmStatus says why.
+/// Returns null on failure; Vnt_VtmStatus says why. A head and index larger
+/// than the whole file (or a negative entry count) is refused with status 15
+/// before anything is allocated. Problems found in the preload area are
+/// repaired in memory and leave their status, but the open succeeds.
 VANTO_API VNT_MSG Vnt_VtmOpen(const char* path);
 
 /// Opens the named segment (at most 8 characters; a file name is reduced to
-/// its base name) of a container. Every segment reference also holds one
-/// reference of the container. Null on failure (status 13, 14, ...).
+/// its base name: "Z:\x\APPMSG.vtm" => "APPMSG") of a container; a null
+/// parent means the system library (status 100 when there is none). Every
+/// segment reference also holds one reference of the container; the one
+/// taken for a segment whose reading fails is kept (compatibility). Null on
+/// failure (status 13, 14, ...).
 VANTO_API VNT_MSG Vnt_VtmOpenSeg(VNT_MSG parent, const char* name);
 
-/// Drops one reference; the library is released when none is left.
+/// Drops one reference; the library is released when none is left. Closing
+/// a segment also drops its container's reference and releases the
+/// container with it when that was the last one. A container released while
+/// segments are still open reports "segments still open"; those segments
+/// then have no file (reads outside their preload area give status 100).
 VANTO_API void Vnt_VtmClose(VNT_MSG lib);
 
 /// Resolves a reference to the message ID to read: 0 at the end of an
@@ -69,7 +79,9 @@ VANTO_API VntMsgRef Vnt_VtmResolve(VNT_MSG lib, VntMsgRef ref, bool keepCursor);
 
 /// Reads the text of a reference. Never null: a failed read gives a usable
 /// (possibly empty) text and sets the status. Iteration skips texts that
-/// begin with ';'.
+/// begin with ';'. A container holds no messages itself (status 11).
+///   Vnt_VtmRead(lib, 5) => text of ID 5     Vnt_VtmRead(lib, "x") => "x"
+///   Vnt_VtmRead(lib, 40000) => from the system library
 VANTO_API const char* Vnt_VtmRead(VNT_MSG lib, VntMsgRef ref);
 
 /// The library name field as a terminated string (shared 9-byte buffer).

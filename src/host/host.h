@@ -13,25 +13,6 @@
 namespace vnt::host {
 
 // ---------------------------------------------------------------------------
-// Text: Windows-1252 <-> UTF-8
-// ---------------------------------------------------------------------------
-
-/// Appends the UTF-8 form of the Windows-1252 bytes to `out`. Total: the five
-/// bytes Windows-1252 leaves undefined map to the C1 controls of the same value.
-void cp1252ToUtf8(const char* src, std::size_t len, std::string& out);
-std::string cp1252ToUtf8(const std::string& src);
-
-/// Converts UTF-8 to Windows-1252 into `out`. False on malformed UTF-8 or a
-/// character without a Windows-1252 form; `badPos` then receives the byte
-/// offset of the offending sequence.
-bool utf8ToCp1252(const char* src, std::size_t len, std::string& out,
-                  std::size_t* badPos = nullptr);
-
-/// Upper case of a Windows-1252 character (ASCII letters, the accented
-/// letters and the four pairs of the 0x8A..0x9F range).
-unsigned char cp1252Upper(unsigned char c);
-
-// ---------------------------------------------------------------------------
 // Volumes, current directory and path conversion
 // ---------------------------------------------------------------------------
 

@@ -7,6 +7,7 @@
 #include "host/host.h"
 #include "lfn/lfn_state.h"
 #include "vanto/lfn.h"
+#include "vanto/text.h"
 
 namespace {
 
@@ -15,20 +16,6 @@ using vnt::copyBounded;
 bool isLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
 char upperAscii(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
-
-// Upper case of a Windows-1252 character, for the case-insensitive prefix
-// match of names (the file systems these names come from ignore case).
-unsigned char upper1252(unsigned char c) {
-    if (c >= 'a' && c <= 'z') return static_cast<unsigned char>(c - 0x20);
-    if (c >= 0xE0 && c <= 0xFE && c != 0xF7) return static_cast<unsigned char>(c - 0x20);
-    switch (c) {
-        case 0x9A: return 0x8A;  // s caron
-        case 0x9C: return 0x8C;  // oe
-        case 0x9E: return 0x8E;  // z caron
-        case 0xFF: return 0x9F;  // y diaeresis
-        default: return c;
-    }
-}
 
 bool hasVolPrefix(const char* s) { return s != nullptr && s[0] != '\0' && s[1] == ':'; }
 
@@ -158,8 +145,8 @@ bool Vnt_LfnNameMakeAbs(char (&dst)[VNT_MAX_PATH], const char* name, const char*
                          upperAscii(n[0]) == upperAscii(b[0]);
     if (sameVol || (!n.empty() && n[0] == '\\')) {
         while (skip < n.size() && skip < b.size() &&
-               upper1252(static_cast<unsigned char>(n[skip])) ==
-                   upper1252(static_cast<unsigned char>(b[skip])))
+               Vnt_TxtUpper(static_cast<unsigned char>(n[skip])) ==
+                   Vnt_TxtUpper(static_cast<unsigned char>(b[skip])))
             ++skip;
     }
     dst[0] = '\0';

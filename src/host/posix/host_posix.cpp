@@ -5,6 +5,7 @@
 // and their data were written for a case-insensitive file system, so a
 // component that does not exist as written is matched without regard to case.
 #include "host/host.h"
+#include "vanto/text.h"
 
 #include <cerrno>
 #include <cstring>
@@ -35,7 +36,7 @@ HostState& state() {
 }
 
 int volIndex(char letter) {
-    unsigned char c = cp1252Upper(static_cast<unsigned char>(letter));
+    unsigned char c = Vnt_TxtUpper(static_cast<unsigned char>(letter));
     return (c >= 'A' && c <= 'Z') ? c - 'A' : -1;
 }
 
@@ -121,11 +122,11 @@ void ensureReady() {
 // component (Windows-1252). Names without a Windows-1252 form never match.
 bool sameName(const char* hostName, const std::string& libName) {
     std::string conv;
-    if (!utf8ToCp1252(hostName, std::strlen(hostName), conv) || conv.size() != libName.size())
+    if (!Vnt_TxtFromUtf8(hostName, conv) || conv.size() != libName.size())
         return false;
     for (std::size_t i = 0; i < conv.size(); ++i)
-        if (cp1252Upper(static_cast<unsigned char>(conv[i])) !=
-            cp1252Upper(static_cast<unsigned char>(libName[i])))
+        if (Vnt_TxtUpper(static_cast<unsigned char>(conv[i])) !=
+            Vnt_TxtUpper(static_cast<unsigned char>(libName[i])))
             return false;
     return true;
 }
@@ -240,7 +241,7 @@ bool toHost(const char* libPath, std::string& hostPath) {
     std::string out = state().volDir[vol];
     std::vector<std::string> host(parts.size());
     for (std::size_t i = 0; i < parts.size(); ++i) {
-        cp1252ToUtf8(parts[i].data(), parts[i].size(), host[i]);
+        host[i] = Vnt_TxtToUtf8(parts[i]);
         if (host[i].find('/') != std::string::npos) return false;
     }
     auto join = [&](std::size_t upto) {
@@ -283,7 +284,7 @@ bool fromHost(const char* hostPath, std::string& libPath) {
     std::string lib = volRoot(vol);
     if (!rest.empty()) rest.remove_prefix(1);  // the '/' after the volume's directory
     std::string conv;
-    if (!utf8ToCp1252(rest.data(), rest.size(), conv)) return false;
+    if (!Vnt_TxtFromUtf8(rest, conv)) return false;
     if (conv.find('\\') != std::string::npos) return false;  // not representable
     for (char& c : conv)
         if (c == '/') c = '\\';
