@@ -13,7 +13,7 @@ function(run)
 endfunction()
 run(${CMAKE_COMMAND} --install "${BUILD}" --prefix "${prefix}")
 run(${CMAKE_COMMAND} -S "${SRC}/examples/consumer" -B "${cbuild}" -G Ninja
-    "-DCMAKE_PREFIX_PATH=${prefix}" -DCMAKE_BUILD_TYPE=Release)
+    "-DCMAKE_PREFIX_PATH=${prefix}" -DCMAKE_BUILD_TYPE=Release "-DCMAKE_CXX_FLAGS=${FLAGS}")
 run(${CMAKE_COMMAND} --build "${cbuild}")
 run("${cbuild}/consumer")
 if(NOT last_output MATCHES "C:\\\\Daten\\\\Texte.vtm not open status 1")
