@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <string>
-#include <unistd.h>
+#include <random>
 
 #include "msg/vtm_internal.h"
 #include "vanto/vtm.h"
@@ -20,7 +20,7 @@ struct InputFile {
     std::string lib;
     InputFile() {
         fs::path dir = fs::exists("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path();
-        host = dir / ("vanto_vtm_fuzz_" + std::to_string(::getpid()) + ".vtm");
+        host = dir / ("vanto_vtm_fuzz_" + std::to_string(std::random_device{}()) + ".vtm");
         lib = "Z:" + host.string();
         for (char& c : lib)
             if (c == '/') c = '\\';
