@@ -19,8 +19,8 @@ class HostTest : public ::testing::Test {
 protected:
     void SetUp() override {
         savedCwd_ = fs::current_path();
-        root_ = fs::temp_directory_path() / ("vanto_host_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
-                                             ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        root_ = fs::temp_directory_path() /
+                ("vanto_host_" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
         fs::remove_all(root_);
         fs::create_directories(root_ / "Daten" / "Mandant1");
         std::ofstream(root_ / "Daten" / "Mandant1" / "File.TXT") << "0123456789";
@@ -69,13 +69,10 @@ TEST(Cp1252, RefusesWhatHasNoForm) {
 }
 
 TEST(Cp1252, UpperCase) {
-    EXPECT_EQ(Vnt_TxtUpper('a'), 'A');
-    EXPECT_EQ(Vnt_TxtUpper(0xE4), 0xC4);  // ä
-    EXPECT_EQ(Vnt_TxtUpper(0xFF), 0x9F);  // ÿ
-    EXPECT_EQ(Vnt_TxtUpper(0x9A), 0x8A);  // š
-    EXPECT_EQ(Vnt_TxtUpper(0xDF), 0xDF);  // ß has no single upper case
-    EXPECT_EQ(Vnt_TxtUpper(0xF7), 0xF7);  // ÷ is no letter
-    EXPECT_EQ(Vnt_TxtUpper('1'), '1');
+    // ä, ÿ and š have upper cases; ß has no single one; ÷ is no letter.
+    const unsigned char in[] = {'a', 0xE4, 0xFF, 0x9A, 0xDF, 0xF7, '1'};
+    const unsigned char up[] = {'A', 0xC4, 0x9F, 0x8A, 0xDF, 0xF7, '1'};
+    for (std::size_t i = 0; i < sizeof in; ++i) EXPECT_EQ(Vnt_TxtUpper(in[i]), up[i]) << i;
 }
 
 TEST_F(HostTest, ToHostFindsComponentsWithoutCase) {
@@ -187,8 +184,6 @@ TEST_F(HostTest, FilesReadAndFail) {
     EXPECT_EQ(std::string(buf, 2), "89");
     EXPECT_EQ(f.read(buf, 2), 2u);        // readAt leaves the position alone
     EXPECT_EQ(std::string(buf, 2), "45");
-    ASSERT_TRUE(f.seek(9));
-    EXPECT_EQ(f.read(buf, 5), 1u);
 
     faultAt(Op::Read, 2);
     ASSERT_TRUE(f.seek(0));

@@ -330,8 +330,10 @@ bool File::openRead(const char* libPath) {
     return true;
 }
 
-std::size_t File::read(void* buf, std::size_t n) {
-    if (fd_ < 0) return 0;
+// Reads until n bytes came, the file ended or an error occurred; from the
+// file position, or at `pos` without moving it.
+static std::size_t readFull(int fd, void* buf, std::size_t n, const std::uint64_t* pos) {
+    if (fd < 0) return 0;
     if (faultHit(Op::Read)) {
         errno = EIO;
         return 0;
@@ -339,7 +341,8 @@ std::size_t File::read(void* buf, std::size_t n) {
     std::size_t got = 0;
     auto* p = static_cast<char*>(buf);
     while (got < n) {
-        ssize_t r = ::read(fd_, p + got, n - got);
+        ssize_t r = pos ? ::pread(fd, p + got, n - got, static_cast<off_t>(*pos + got))
+                        : ::read(fd, p + got, n - got);
         if (r < 0 && errno == EINTR) continue;
         if (r <= 0) break;
         got += static_cast<std::size_t>(r);
@@ -347,22 +350,9 @@ std::size_t File::read(void* buf, std::size_t n) {
     return got;
 }
 
-std::size_t File::readAt(void* buf, std::size_t n, std::uint64_t pos) {
-    if (fd_ < 0) return 0;
-    if (faultHit(Op::Read)) {
-        errno = EIO;
-        return 0;
-    }
-    std::size_t got = 0;
-    auto* p = static_cast<char*>(buf);
-    while (got < n) {
-        ssize_t r = ::pread(fd_, p + got, n - got, static_cast<off_t>(pos + got));
-        if (r < 0 && errno == EINTR) continue;
-        if (r <= 0) break;
-        got += static_cast<std::size_t>(r);
-    }
-    return got;
-}
+std::size_t File::read(void* buf, std::size_t n) { return readFull(fd_, buf, n, nullptr); }
+
+std::size_t File::readAt(void* buf, std::size_t n, std::uint64_t pos) { return readFull(fd_, buf, n, &pos); }
 
 bool File::seek(std::uint64_t pos) {
     if (fd_ < 0) return false;
