@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <random>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 #include "msg/vtm_internal.h"
@@ -26,7 +25,7 @@ std::string makeLibrary(const std::string& name, long count, long preload, bool 
                         int32_t systemFlag = 0) {
     // The directory goes when the program ends.
     static const struct TempDir {
-        fs::path path = fs::temp_directory_path() / ("vanto_vtm_bench_" + std::to_string(::getpid()));
+        fs::path path = fs::temp_directory_path() / ("vanto_vtm_bench_" + std::to_string(std::random_device{}()));
         TempDir() { fs::create_directories(path); }
         ~TempDir() { std::error_code ec; fs::remove_all(path, ec); }
     } tmp;
