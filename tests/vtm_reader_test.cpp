@@ -2,7 +2,6 @@
 // repairs, sharing, segments, the system library, switches and reports.
 // Well-formed libraries come from the tools' writer; each case then breaks
 // the bytes it is about.
-#ifdef VANTO_HAVE_TOOLS
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -400,4 +399,3 @@ TEST_F(VtmDeathTest, ReportNotConfirmedEndsProcess) {
 }
 
 }  // namespace
-#endif  // VANTO_HAVE_TOOLS

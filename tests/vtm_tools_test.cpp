@@ -1,7 +1,6 @@
 // The message-library tools: the writer's byte layout and its refusals, the
 // source compiler (texts, escapes, errors with line and column), decompiling,
 // and round trips through the real vtmc and vtmdump programs.
-#ifdef VANTO_HAVE_TOOLS
 
 #include <gtest/gtest.h>
 
@@ -332,4 +331,3 @@ TEST_F(VtmToolsRun, FailuresKeepTheOutput) {
 
 }  // namespace
 
-#endif  // VANTO_HAVE_TOOLS
