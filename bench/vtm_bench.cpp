@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "msg/vtm_internal.h"
+#include "vanto/lfn.h"
 #include "vanto/vtm.h"
 #include "vtmtool/vtm_writer.h"
 
@@ -38,9 +39,8 @@ std::string makeLibrary(const std::string& name, long count, long preload, bool 
         lib.messages.push_back({uint16_t(id), emptyTexts ? std::string() : "Message number " + std::to_string(id)});
     fs::path file = dir / (name + ".vtm");
     vtmtool::writeFileAtomic(file, vtmtool::writeLibrary(lib));
-    std::string p = "Z:" + file.string();
-    for (char& c : p)
-        if (c == '/') c = '\\';
+    VNT_PATH p;
+    Vnt_LfnFromHost(p, file.c_str());
     return p;
 }
 

@@ -49,7 +49,7 @@ bool fromHost(const char* hostPath, std::string& libPath);
 class File {
 public:
     File() = default;
-    File(File&& o) noexcept : fd_(o.fd_) { o.fd_ = -1; }
+    File(File&& o) noexcept : fd_(o.fd_), pos_(o.pos_) { o.fd_ = -1; }
     File& operator=(File&& o) noexcept;
     File(const File&) = delete;
     File& operator=(const File&) = delete;
@@ -70,6 +70,7 @@ public:
 
 private:
     int fd_ = -1;
+    std::uint64_t pos_ = 0;  // kept here, so a seek costs no system call
 };
 
 /// Text of the host's last error, for messages.

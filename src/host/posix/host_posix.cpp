@@ -8,6 +8,7 @@
 #include "vanto/text.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 #include <vector>
@@ -300,6 +301,7 @@ File& File::operator=(File&& o) noexcept {
     if (this != &o) {
         close();
         fd_ = o.fd_;
+        pos_ = o.pos_;
         o.fd_ = -1;
     }
     return *this;
@@ -327,12 +329,12 @@ bool File::openRead(const char* libPath) {
         return false;
     }
     fd_ = fd;
+    pos_ = 0;
     return true;
 }
 
-// Reads until n bytes came, the file ended or an error occurred; from the
-// file position, or at `pos` without moving it.
-static std::size_t readFull(int fd, void* buf, std::size_t n, const std::uint64_t* pos) {
+// Reads at `pos` until n bytes came, the file ended or an error occurred.
+static std::size_t readFull(int fd, void* buf, std::size_t n, std::uint64_t pos) {
     if (fd < 0) return 0;
     if (faultHit(Op::Read)) {
         errno = EIO;
@@ -341,8 +343,7 @@ static std::size_t readFull(int fd, void* buf, std::size_t n, const std::uint64_
     std::size_t got = 0;
     auto* p = static_cast<char*>(buf);
     while (got < n) {
-        ssize_t r = pos ? ::pread(fd, p + got, n - got, static_cast<off_t>(*pos + got))
-                        : ::read(fd, p + got, n - got);
+        ssize_t r = ::pread(fd, p + got, n - got, static_cast<off_t>(pos + got));
         if (r < 0 && errno == EINTR) continue;
         if (r <= 0) break;
         got += static_cast<std::size_t>(r);
@@ -350,9 +351,13 @@ static std::size_t readFull(int fd, void* buf, std::size_t n, const std::uint64_
     return got;
 }
 
-std::size_t File::read(void* buf, std::size_t n) { return readFull(fd_, buf, n, nullptr); }
+std::size_t File::read(void* buf, std::size_t n) {
+    std::size_t got = readFull(fd_, buf, n, pos_);
+    pos_ += got;
+    return got;
+}
 
-std::size_t File::readAt(void* buf, std::size_t n, std::uint64_t pos) { return readFull(fd_, buf, n, &pos); }
+std::size_t File::readAt(void* buf, std::size_t n, std::uint64_t pos) { return readFull(fd_, buf, n, pos); }
 
 bool File::seek(std::uint64_t pos) {
     if (fd_ < 0) return false;
@@ -360,7 +365,13 @@ bool File::seek(std::uint64_t pos) {
         errno = EIO;
         return false;
     }
-    return ::lseek(fd_, static_cast<off_t>(pos), SEEK_SET) >= 0;
+    // Positions past the end are allowed, as with lseek; the next read gets 0.
+    if (pos > static_cast<std::uint64_t>(INT64_MAX)) {
+        errno = EINVAL;
+        return false;
+    }
+    pos_ = pos;
+    return true;
 }
 
 std::int64_t File::size() {
@@ -372,6 +383,7 @@ std::int64_t File::size() {
 void File::close() {
     if (fd_ >= 0) ::close(fd_);
     fd_ = -1;
+    pos_ = 0;
 }
 
 std::string lastErrorText() { return std::strerror(errno); }
