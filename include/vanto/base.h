@@ -36,6 +36,15 @@ inline constexpr VNT_RESP VNT_RESP_CANCEL = 2;
 inline constexpr VNT_RESP VNT_RESP_NO = 7;
 inline constexpr VNT_RESP VNT_RESP_FAIL = -1;
 
+/// A loaded module of the application (a module library, or null for the
+/// program itself): the owner of a string table (see VntRes in vanto/msg.h).
+struct VNT_MODULE_;
+using VNT_HINSTANCE = VNT_MODULE_*;
+
+/// A window of the window system port (see vanto/ui/window.h).
+struct VNT_WINDOW_;
+using VNT_HWND = VNT_WINDOW_*;
+
 /// A message reference: either a message number or the address of a literal
 /// text that is used as it stands.
 ///

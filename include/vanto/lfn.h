@@ -183,6 +183,19 @@ VANTO_API bool Vnt_LfnDirSave(char* buf = nullptr);
 VANTO_API bool Vnt_LfnDirRestore(const char* path = nullptr);
 
 // ---------------------------------------------------------------------------
+// The program's own names
+// ---------------------------------------------------------------------------
+
+/// Full name of the module's file (null module: the program), at most
+/// size - 1 characters. False when it cannot be told or does not fit.
+///   "Z:\opt\acme\Fibu"
+VANTO_API bool Vnt_LfnProgFileName(char* buf, std::size_t size, VNT_HINSTANCE module = nullptr);
+/// Its directory.  "Z:\opt\acme"
+VANTO_API bool Vnt_LfnProgDirName(char* buf, std::size_t size, VNT_HINSTANCE module = nullptr);
+/// Its file name with extension.  "Fibu"
+VANTO_API bool Vnt_LfnProgName(char* buf, std::size_t size, VNT_HINSTANCE module = nullptr);
+
+// ---------------------------------------------------------------------------
 // The host's volume table (POSIX) and host names
 // ---------------------------------------------------------------------------
 

@@ -73,8 +73,24 @@ private:
     std::uint64_t pos_ = 0;  // kept here, so a seek costs no system call
 };
 
+/// The last error of the library's own host calls (0: none), its
+/// description, and clearing it. Every failing host call sets it.
+unsigned long lastError();
+void setLastError(unsigned long code);
+std::string errorText(unsigned long code);
 /// Text of the host's last error, for messages.
 std::string lastErrorText();
+
+// ---------------------------------------------------------------------------
+// The program
+// ---------------------------------------------------------------------------
+
+/// Library path of the running program's file ("Z:\opt\acme\App");
+/// empty when it cannot be told.
+std::string programFile();
+/// Makes programFile() answer `libPath` ("" = the real one again). For tests
+/// and for programs whose files lie elsewhere than their executable.
+void setProgramFile(const std::string& libPath);
 
 // ---------------------------------------------------------------------------
 // Fault injection for tests: make the n-th following call of an operation

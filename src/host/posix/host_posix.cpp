@@ -29,6 +29,7 @@ struct HostState {
     std::string volCwd[kVolumes];  // remembered current directory ("X:\..."); "" = root
     int curVol = 'Z' - 'A';        // current volume
     int faultAt[static_cast<int>(Op::Count)] = {};  // countdown per operation; 0 = none
+    std::string programFile;       // set by setProgramFile; "" = ask the system
 };
 
 HostState& state() {
@@ -386,11 +387,31 @@ void File::close() {
     pos_ = 0;
 }
 
+// The host's last error lives in errno; a call that succeeds leaves it alone,
+// as the platform's own last-error value behaves.
+unsigned long lastError() { return static_cast<unsigned long>(errno); }
+
+void setLastError(unsigned long code) { errno = static_cast<int>(code); }
+
+std::string errorText(unsigned long code) { return std::strerror(static_cast<int>(code)); }
+
 std::string lastErrorText() { return std::strerror(errno); }
+
+std::string programFile() {
+    if (!state().programFile.empty()) return state().programFile;
+    std::string buf(4096, '\0');
+    ssize_t n = ::readlink("/proc/self/exe", buf.data(), buf.size() - 1);
+    if (n <= 0) return {};
+    buf.resize(static_cast<std::size_t>(n));
+    std::string lib;
+    return fromHost(buf.c_str(), lib) ? lib : std::string();
+}
 
 // ---------------------------------------------------------------------------
 // Faults and reset
 // ---------------------------------------------------------------------------
+
+void setProgramFile(const std::string& libPath) { state().programFile = libPath; }
 
 void faultAt(Op op, int nth) { state().faultAt[static_cast<int>(op)] = nth > 0 ? nth : 0; }
 
