@@ -82,6 +82,18 @@ std::string errorText(unsigned long code);
 std::string lastErrorText();
 
 // ---------------------------------------------------------------------------
+// The terminal
+// ---------------------------------------------------------------------------
+
+/// True when standard error and standard input are both a terminal, so a
+/// question can be asked there.
+bool interactiveTerminal();
+/// Writes UTF-8 text to standard error.
+void writeStderr(const std::string& utf8);
+/// Reads one line (without its end) from standard input; false at its end.
+bool readLine(std::string& line);
+
+// ---------------------------------------------------------------------------
 // The program
 // ---------------------------------------------------------------------------
 

@@ -408,6 +408,34 @@ std::string programFile() {
 }
 
 // ---------------------------------------------------------------------------
+// The terminal
+// ---------------------------------------------------------------------------
+
+bool interactiveTerminal() { return ::isatty(STDERR_FILENO) == 1 && ::isatty(STDIN_FILENO) == 1; }
+
+void writeStderr(const std::string& utf8) {
+    std::size_t done = 0;
+    while (done < utf8.size()) {
+        ssize_t r = ::write(STDERR_FILENO, utf8.data() + done, utf8.size() - done);
+        if (r < 0 && errno == EINTR) continue;
+        if (r <= 0) return;
+        done += static_cast<std::size_t>(r);
+    }
+}
+
+bool readLine(std::string& line) {
+    line.clear();
+    char c;
+    for (;;) {
+        ssize_t r = ::read(STDIN_FILENO, &c, 1);
+        if (r < 0 && errno == EINTR) continue;
+        if (r <= 0) return !line.empty();
+        if (c == '\n') return true;
+        if (c != '\r') line += c;
+    }
+}
+
+// ---------------------------------------------------------------------------
 // Faults and reset
 // ---------------------------------------------------------------------------
 

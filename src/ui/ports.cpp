@@ -1,0 +1,221 @@
+// The ports the core talks to, and their headless implementations: a window
+// system without windows, a scripted presenter for tests and a console
+// presenter for tools and programs without a window system.
+#include <string>
+
+#include "host/host.h"
+#include "vanto/text.h"
+#include "vanto/ui/msgbox.h"
+#include "vanto/ui/window.h"
+
+VntWindowPort::~VntWindowPort() = default;
+VntMsgPresenter::~VntMsgPresenter() = default;
+
+namespace {
+
+// No windows at all: messages go nowhere, the clipboard is the process's own.
+class HeadlessWindows final : public VntWindowPort {
+public:
+    long Send(VNT_HWND, unsigned, uintptr_t, intptr_t) override { return 0; }
+    bool Post(VNT_HWND, unsigned, uintptr_t, intptr_t) override { return false; }
+    bool IsWindow(VNT_HWND) override { return false; }
+    void Destroy(VNT_HWND) override {}
+    void Activate(VNT_HWND) override {}
+    VNT_HWND Focus() override { return nullptr; }
+    void SetFocus(VNT_HWND) override {}
+    VNT_HWND ActiveWindow() override { return nullptr; }
+    VNT_HWND MainWindow() override { return nullptr; }
+    void PumpEvents() override {}
+    void BusyCursor(bool) override {}
+    void Beep() override {}
+    bool SetClipboardText(const std::string& text) override {
+        clipboard_ = text;
+        return true;
+    }
+    std::string ClipboardText() override { return clipboard_; }
+
+private:
+    std::string clipboard_;
+};
+
+struct Ports {
+    HeadlessWindows headless;
+    VntConsolePresenter console;
+    VntWindowPort* window = &headless;
+    VntMsgPresenter* presenter = &console;
+};
+
+Ports& ports() {
+    static Ports p;
+    return p;
+}
+
+// Caption without the access-key marker, in UTF-8.
+std::string plainCaption(const std::string& caption) {
+    std::string out;
+    for (char c : caption)
+        if (c != '&') out += c;
+    return Vnt_TxtToUtf8(out);
+}
+
+// The access key of a caption ("&Ja" => 'j'), or 0.
+char accessKey(const std::string& caption) {
+    std::size_t amp = caption.find('&');
+    if (amp == std::string::npos || amp + 1 >= caption.size()) return 0;
+    return static_cast<char>(Vnt_TxtUpper(static_cast<unsigned char>(caption[amp + 1])));
+}
+
+const char* iconWord(int icon) {
+    switch (icon) {
+        case VNT_ICON_EXCLAMATION: return "[!] ";
+        case VNT_ICON_QUESTION: return "[?] ";
+        case VNT_ICON_STOP: return "[X] ";
+        case VNT_ICON_INFORMATION: return "[i] ";
+        default: return "";
+    }
+}
+
+/*
+ * Draws a box on standard error and asks for one of its buttons: by access
+ * key or by number, an empty answer taking the default. Without a terminal
+ * nobody can answer: OK where that is the only real answer (reports), else
+ * the answer of closing the box, so that no question, a retry above all, is
+ * ever asked again and again.
+ */
+int ask(const std::string& title, int icon, const std::vector<std::string>& lines,
+        const std::vector<VntBoxButton>& buttons, int defaultIndex, int closeAnswer,
+        const std::string& checkbox) {
+    std::string out = "\n== " + Vnt_TxtToUtf8(title) + " ==\n";
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        out += (i == 0 ? iconWord(icon) : std::string(icon ? 4 : 0, ' ')) + Vnt_TxtToUtf8(lines[i]) + "\n";
+    if (!checkbox.empty()) out += "[ ] " + plainCaption(checkbox) + "\n";
+    bool onlyOk = true;
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        out += (i ? "  " : "") + std::string("[") + std::to_string(i + 1) + "] " + plainCaption(buttons[i].caption);
+        if (buttons[i].id != VNT_BTN_OK && buttons[i].id != VNT_BTN_HELP && buttons[i].id != VNT_BTN_SUPPORT)
+            onlyOk = false;
+    }
+    out += "\n";
+    if (!vnt::host::interactiveTerminal()) {
+        int answer = onlyOk ? VNT_BTN_OK : closeAnswer;
+        for (const VntBoxButton& b : buttons)
+            if (b.id == answer) out += "(no terminal: answered " + plainCaption(b.caption) + ")\n";
+        if (answer == closeAnswer && !onlyOk) out += "(no terminal: closed the box)\n";
+        vnt::host::writeStderr(out);
+        return answer;
+    }
+    vnt::host::writeStderr(out);
+    const std::size_t def = defaultIndex >= 0 && std::size_t(defaultIndex) < buttons.size() ? std::size_t(defaultIndex) : 0;
+    for (;;) {
+        vnt::host::writeStderr("? ");
+        std::string line;
+        if (!vnt::host::readLine(line)) return closeAnswer;
+        if (line.empty()) return buttons.empty() ? closeAnswer : buttons[def].id;
+        if (line.size() <= 2 && line[0] >= '1' && line[0] <= '9') {
+            std::size_t n = std::stoul(line);
+            if (n >= 1 && n <= buttons.size()) return buttons[n - 1].id;
+        }
+        char key = static_cast<char>(Vnt_TxtUpper(static_cast<unsigned char>(line[0])));
+        for (const VntBoxButton& b : buttons)
+            if (line.size() == 1 && accessKey(b.caption) == key) return b.id;
+    }
+}
+
+// Buttons of a plain box by its type; English captions, as the platform's
+// own box would show them on an English system.
+std::vector<VntBoxButton> plainButtons(long type) {
+    switch (type & 7) {
+        case 1: return {{VNT_BTN_OK, "&OK"}, {VNT_BTN_CANCEL, "&Cancel"}};
+        case 2: return {{VNT_BTN_ABORT, "&Abort"}, {VNT_BTN_RETRY, "&Retry"}, {VNT_BTN_IGNORE, "&Ignore"}};
+        case 3: return {{VNT_BTN_YES, "&Yes"}, {VNT_BTN_NO, "&No"}, {VNT_BTN_CANCEL, "&Cancel"}};
+        case 4: return {{VNT_BTN_YES, "&Yes"}, {VNT_BTN_NO, "&No"}};
+        case 5: return {{VNT_BTN_RETRY, "&Retry"}, {VNT_BTN_CANCEL, "&Cancel"}};
+        default: return {{VNT_BTN_OK, "&OK"}};
+    }
+}
+
+// The answer of closing a plain box: Cancel where there is one, No in a
+// Yes/No box, Abort in an Abort/Retry/Ignore box.
+int plainCloseAnswer(long type) {
+    switch (type & 7) {
+        case 2: return VNT_BTN_ABORT;
+        case 4: return VNT_BTN_NO;
+        case 0: return VNT_BTN_OK;
+        default: return VNT_BTN_CANCEL;
+    }
+}
+
+int plainIcon(long type) {
+    switch (type & 0xF0) {
+        case 16: return VNT_ICON_STOP;
+        case 32: return VNT_ICON_QUESTION;
+        case 48: return VNT_ICON_EXCLAMATION;
+        case 64: return VNT_ICON_INFORMATION;
+        default: return VNT_ICON_NONE;
+    }
+}
+
+// Lines of a plain text.
+std::vector<std::string> splitLines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::size_t start = 0;
+    for (;;) {
+        std::size_t nl = text.find('\n', start);
+        lines.push_back(text.substr(start, nl == std::string::npos ? std::string::npos : nl - start));
+        if (nl == std::string::npos) return lines;
+        start = nl + 1;
+    }
+}
+
+}  // namespace
+
+VntWindowPort& Vnt_UiWindow() { return *ports().window; }
+
+VntWindowPort* Vnt_UiSetWindow(VntWindowPort* port) {
+    VntWindowPort* old = ports().window;
+    ports().window = port ? port : &ports().headless;
+    return old;
+}
+
+VntMsgPresenter& Vnt_UiPresenter() { return *ports().presenter; }
+
+VntMsgPresenter* Vnt_UiSetPresenter(VntMsgPresenter* presenter) {
+    VntMsgPresenter* old = ports().presenter;
+    ports().presenter = presenter ? presenter : &ports().console;
+    return old;
+}
+
+bool VntScriptedPresenter::Show(const VntBoxModel& box, VntBoxAnswer& answer) {
+    shown.push_back(box);
+    if (failNext) {
+        failNext = false;
+        return false;
+    }
+    if (during) during(box);
+    answer = VntBoxAnswer{VNT_BTN_OK, false};
+    if (!answers.empty()) {
+        answer = answers.front();
+        answers.pop_front();
+    }
+    return true;
+}
+
+int VntScriptedPresenter::ShowPlain(const VntPlainBox& box) {
+    plainShown.push_back(box);
+    if (plainAnswers.empty()) return VNT_BTN_OK;
+    int a = plainAnswers.front();
+    plainAnswers.pop_front();
+    return a;
+}
+
+bool VntConsolePresenter::Show(const VntBoxModel& box, VntBoxAnswer& answer) {
+    answer.checked = false;
+    answer.button = ask(box.title, box.icon, box.lines, box.buttons, box.defaultButton, box.escapeButton,
+                        box.checkbox ? box.checkboxCaption : std::string());
+    return true;
+}
+
+int VntConsolePresenter::ShowPlain(const VntPlainBox& box) {
+    return ask(box.title, plainIcon(box.type), splitLines(box.text), plainButtons(box.type), 0,
+               plainCloseAnswer(box.type), std::string());
+}
