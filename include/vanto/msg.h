@@ -33,13 +33,17 @@
 ///                   reference of the system library as well
 ///   (lib, "seg")    the segment "seg" of lib (file-name part, 8 characters)
 /// Null when the library cannot be found ("!Could not find Message Library
-/// \"%s\"" is reported unless switched off by Vnt__MsgExtCheck). A name given
-/// as a small number is internal error 1000.
+/// \"%s\"" is reported unless switched off by Vnt__MsgExtCheck); a main
+/// library is not opened without the system library. A failed open takes no
+/// reference. A name given as a small number is internal error 1000; a
+/// parent that is not open, 999.
 VANTO_API VNT_MSG Vnt_MsgHInit(VNT_MSG parent = nullptr, const char* name = nullptr);
 
-/// Closes a handle; clears *handle when it was the system library. Checks the
-/// init counter against the system library's references (internal errors
-/// 996, 997, 998).
+/// Closes a handle; clears *handle when it was the system library (other
+/// handles are left as they are). Before a system library reference goes,
+/// checks the init counter against the system library's references
+/// (internal errors 996, 997, 998; after 996 nothing is closed). A null
+/// handle does nothing; one that is not open is internal error 999.
 VANTO_API void Vnt_MsgHTerm(VNT_MSG* handle);
 
 /// Starts the message interface: the system library name (null keeps
@@ -75,7 +79,8 @@ VANTO_API std::uintptr_t Vnt_MsgH_vsprintf(VNT_MSG h, VntMsgRef ref, char* buf, 
 /// ID of the last text fetched (0 after an iteration that failed).
 VANTO_API long Vnt_MsgGetID();
 
-/// The message box title (at most 119 characters) copied into buf.
+/// The message box title (at most 119 characters) copied into buf; with a
+/// null buf the title itself.
 VANTO_API const char* Vnt_MsgGetTitle(char* buf, unsigned size);
 /// Sets the box title (null restores the default); returns the previous one.
 VANTO_API const char* Vnt_MsgSetTitle(const char* title);
@@ -86,7 +91,8 @@ VANTO_API const char* Vnt_MsgSetTitle(const char* title);
 /// for compatibility); c = 1/0 raise/lower the reader's no-sharing counter.
 VANTO_API void Vnt__MsgExtCheck(int a, int b, int c);
 
-/// The three counters of Vnt__MsgExtCheck (for callers elsewhere).
+/// The counters of Vnt__MsgExtCheck (for callers elsewhere): `which` 0 the
+/// "not found" report counter, 1 the second, 2 the third; others give 0.
 VANTO_API int Vnt__MsgExtCounter(int which);
 
 // ---------------------------------------------------------------------------
@@ -125,7 +131,9 @@ VANTO_API void Vnt_AppMsgSetName(const char* name);
 /// Opens the application library and its segment "APPMSG"; returns that
 /// segment, or the named segment of the application library.
 VANTO_API VNT_MSG Vnt_AppMsgInit(const char* segment = nullptr);
-/// Closes "APPMSG" and the given handle.
+/// Closes the given handle and "APPMSG" (once when the handle is "APPMSG"
+/// itself) and clears *handle. The application library stays open and is
+/// reused by the next Vnt_AppMsgInit.
 VANTO_API void Vnt_AppMsgTerm(VNT_MSG* handle);
 VANTO_API VNT_MSG Vnt_AppMsgGetHandle();
 VANTO_API VNT_RESP Vnt_AppMsg(VntMsgRef ref, ...);
@@ -185,7 +193,8 @@ VANTO_API VNT_HINSTANCE Vnt_ResLibInstance();
 /// Loads string `id` of `module` into buf (at most size - 1 characters); false
 /// when there is none.
 VANTO_API bool Vnt_ResLoadString(VNT_HINSTANCE module, long id, char* buf, unsigned size);
-/// Language of the library's own strings: "DEU" (the default) or "ENU".
+/// Language of the library's own strings: "DEU" (the default) or "ENU";
+/// any text beginning with "EN" (either case) is English, every other German.
 VANTO_API void Vnt_ResSetLanguage(const char* lang);
 
 /// Resource strings of a module, with the same ID-or-text convention as
@@ -196,7 +205,7 @@ public:
     void setup(VNT_HINSTANCE inst, VNT_HWND win);
     void set_inst(VNT_HINSTANCE inst);
     void set_win(VNT_HWND win);
-    /// Title (at most 119 characters) from a text or a message ID; null clears.
+    /// Title (at most 119 characters) from a text or a string ID; null or 0 clears.
     void set_title(VntMsgRef title);
     const char* title() const { return title_; }
     /// Loads and formats into the next public buffer.

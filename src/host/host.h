@@ -120,3 +120,36 @@ bool faultHit(Op op);
 void reset();
 
 }  // namespace vnt::host
+
+// ---------------------------------------------------------------------------
+// Whole files, directories, the desktop's opener and waiting
+// (src/host/posix/host_io.cpp)
+// ---------------------------------------------------------------------------
+
+namespace vnt::host {
+
+/// Reads the whole file into `data`. False on failure; `missing`, when given,
+/// tells whether the failure was that the file does not exist.
+bool readFile(const char* libPath, std::string& data, bool* missing = nullptr);
+/// Writes `data` as the whole file: into a temporary file in the same
+/// directory, then renamed over the target, so that the target is either
+/// the old or the new file. The temporary file is removed on failure.
+bool writeFileAtomic(const char* libPath, const std::string& data);
+/// Creates one directory; true when it exists as a directory afterwards.
+bool makeDir(const char* libPath);
+/// Creates a directory and every missing directory above it.
+bool makeDirs(const char* libPath);
+/// Removes a file; false when it could not be removed.
+bool removeFile(const char* libPath);
+/// True when the name exists as a file (not a directory).
+bool fileExists(const char* libPath);
+/// Opens a document with the desktop's opener ("xdg-open" found on PATH);
+/// does not wait for it. False when there is no opener or it cannot start.
+bool openDocument(const char* libPath);
+/// Sleeps `ms` milliseconds.
+void sleepMs(long ms);
+/// Waits `ms` milliseconds while the window system's pending events are
+/// handled (at least one pass, also for 0).
+void delay(long ms);
+
+}  // namespace vnt::host

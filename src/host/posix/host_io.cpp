@@ -1,0 +1,272 @@
+// The POSIX host: whole-file reads and atomic writes, directories, the
+// desktop's opener and waiting while the window system runs.
+#include "host/host.h"
+#include "vanto/ui/window.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace vnt::host {
+namespace {
+
+// Openers started and not yet reaped.
+std::vector<pid_t>& children() {
+    static std::vector<pid_t> c;
+    return c;
+}
+
+// Collects the openers that have ended, so none lingers as a zombie.
+void reapChildren() {
+    std::vector<pid_t>& c = children();
+    for (std::size_t i = 0; i < c.size();) {
+        int status;
+        pid_t r = ::waitpid(c[i], &status, WNOHANG);
+        if (r == c[i] || (r < 0 && errno == ECHILD)) {
+            c.erase(c.begin() + static_cast<std::ptrdiff_t>(i));
+        } else {
+            ++i;
+        }
+    }
+}
+
+bool isHostDir(const std::string& host) {
+    struct stat st;
+    return ::stat(host.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+bool writeAll(int fd, const std::string& data) {
+    std::size_t done = 0;
+    while (done < data.size()) {
+        if (faultHit(Op::Write)) {
+            errno = EIO;
+            return false;
+        }
+        ssize_t r = ::write(fd, data.data() + done, data.size() - done);
+        if (r < 0 && errno == EINTR) continue;
+        if (r <= 0) {
+            if (r == 0) errno = EIO;
+            return false;
+        }
+        done += static_cast<std::size_t>(r);
+    }
+    return true;
+}
+
+// The full path of `name` on PATH when it is an executable file there.
+bool findOnPath(const char* name, std::string& found) {
+    const char* path = std::getenv("PATH");
+    if (path == nullptr) return false;
+    std::string all = path;
+    std::size_t start = 0;
+    while (start <= all.size()) {
+        std::size_t end = all.find(':', start);
+        if (end == std::string::npos) end = all.size();
+        std::string dir = all.substr(start, end - start);
+        if (dir.empty()) dir = ".";
+        std::string cand = dir + "/" + name;
+        struct stat st;
+        if (::stat(cand.c_str(), &st) == 0 && S_ISREG(st.st_mode) && ::access(cand.c_str(), X_OK) == 0) {
+            found = cand;
+            return true;
+        }
+        start = end + 1;
+    }
+    return false;
+}
+
+}  // namespace
+
+bool readFile(const char* libPath, std::string& data, bool* missing) {
+    data.clear();
+    if (missing) *missing = false;
+    std::string host;
+    if (libPath == nullptr || !toHost(libPath, host)) {
+        errno = ENOENT;
+        if (missing) *missing = true;
+        return false;
+    }
+    File f;
+    if (!f.openRead(libPath)) {
+        if (missing) *missing = (errno == ENOENT || errno == ENOTDIR);
+        return false;
+    }
+    char buf[16384];
+    for (;;) {
+        errno = 0;
+        std::size_t got = f.read(buf, sizeof buf);
+        if (got == 0) break;
+        data.append(buf, got);
+    }
+    // A read that stopped on an error, rather than at the end, fails.
+    if (errno != 0) {
+        int e = errno;
+        data.clear();
+        errno = e;
+        return false;
+    }
+    return true;
+}
+
+/*
+ * Writes through a new file beside the target, created exclusively under a
+ * name of this process, then renames it over the target. The new file takes
+ * the target's permissions when the target exists.
+ */
+bool writeFileAtomic(const char* libPath, const std::string& data) {
+    std::string host;
+    if (libPath == nullptr || !toHost(libPath, host)) {
+        errno = ENOENT;
+        return false;
+    }
+    std::size_t slash = host.rfind('/');
+    std::string dir = slash == std::string::npos ? "." : host.substr(0, slash == 0 ? 1 : slash);
+    std::string base = slash == std::string::npos ? host : host.substr(slash + 1);
+    if (base.empty()) {
+        errno = EISDIR;
+        return false;
+    }
+    static unsigned counter = 0;
+    std::string tmp;
+    int fd = -1;
+    for (int attempt = 0; attempt < 100 && fd < 0; ++attempt) {
+        tmp = (dir == "/" ? "" : dir) + "/." + base + "." + std::to_string(::getpid()) + "." +
+              std::to_string(++counter) + ".tmp";
+        if (faultHit(Op::Open)) {
+            errno = EIO;
+            return false;
+        }
+        do fd = ::open(tmp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        while (fd < 0 && errno == EINTR);
+        if (fd < 0 && errno != EEXIST) return false;
+    }
+    if (fd < 0) return false;
+    struct stat st;
+    if (::stat(host.c_str(), &st) == 0 && S_ISREG(st.st_mode)) ::fchmod(fd, st.st_mode & 07777);
+    bool ok = writeAll(fd, data) && ::fsync(fd) == 0;
+    int e = errno;
+    if (::close(fd) != 0 && ok) {
+        ok = false;
+        e = errno;
+    }
+    if (ok && faultHit(Op::Rename)) {
+        ok = false;
+        e = EIO;
+    }
+    if (ok && ::rename(tmp.c_str(), host.c_str()) != 0) {
+        ok = false;
+        e = errno;
+    }
+    if (!ok) {
+        ::unlink(tmp.c_str());
+        errno = e;
+    }
+    return ok;
+}
+
+bool makeDir(const char* libPath) {
+    std::string host;
+    if (libPath == nullptr || !toHost(libPath, host)) {
+        errno = ENOENT;
+        return false;
+    }
+    if (isHostDir(host)) return true;
+    if (::mkdir(host.c_str(), 0777) == 0) return true;
+    return errno == EEXIST && isHostDir(host);
+}
+
+/*
+ * Creates the missing directories from the top down. toHost has already
+ * matched the existing part of the name without regard to case, so only the
+ * components that do not exist at all are created, as written.
+ */
+bool makeDirs(const char* libPath) {
+    std::string host;
+    if (libPath == nullptr || !toHost(libPath, host)) {
+        errno = ENOENT;
+        return false;
+    }
+    if (isHostDir(host)) return true;
+    for (std::size_t pos = 1; pos <= host.size(); ++pos) {
+        if (pos < host.size() && host[pos] != '/') continue;
+        std::string part = host.substr(0, pos);
+        if (isHostDir(part)) continue;
+        if (::mkdir(part.c_str(), 0777) != 0 && !(errno == EEXIST && isHostDir(part))) return false;
+    }
+    return isHostDir(host);
+}
+
+bool removeFile(const char* libPath) {
+    std::string host;
+    if (libPath == nullptr || !toHost(libPath, host)) {
+        errno = ENOENT;
+        return false;
+    }
+    if (faultHit(Op::Remove)) {
+        errno = EIO;
+        return false;
+    }
+    return ::unlink(host.c_str()) == 0;
+}
+
+bool fileExists(const char* libPath) {
+    std::string host;
+    if (libPath == nullptr || !toHost(libPath, host)) return false;
+    struct stat st;
+    return ::stat(host.c_str(), &st) == 0 && S_ISREG(st.st_mode);
+}
+
+bool openDocument(const char* libPath) {
+    reapChildren();
+    std::string host, opener;
+    if (libPath == nullptr || !toHost(libPath, host)) {
+        errno = ENOENT;
+        return false;
+    }
+    if (!findOnPath("xdg-open", opener)) {
+        errno = ENOENT;
+        return false;
+    }
+    std::string arg0 = "xdg-open";
+    std::vector<char*> argv = {arg0.data(), host.data(), nullptr};
+    pid_t pid;
+    int rc = ::posix_spawn(&pid, opener.c_str(), nullptr, nullptr, argv.data(), environ);
+    if (rc != 0) {
+        errno = rc;
+        return false;
+    }
+    children().push_back(pid);
+    return true;
+}
+
+void sleepMs(long ms) {
+    if (ms > 0) std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+}
+
+void delay(long ms) {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point end = Clock::now() + std::chrono::milliseconds(ms > 0 ? ms : 0);
+    for (;;) {
+        Vnt_UiWindow().PumpEvents();
+        reapChildren();
+        Clock::time_point now = Clock::now();
+        if (now >= end) return;
+        auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - now).count();
+        sleepMs(left < 10 ? static_cast<long>(left) + 1 : 10);
+    }
+}
+
+}  // namespace vnt::host
