@@ -114,8 +114,11 @@ VANTO_API const char* Vnt__MsgSprintf(VNT_MSG h, VntMsgRef ref, char* buf, va_li
 /// icon character ('-' = none) and button code of the message box grammar,
 /// the rest formatted with the arguments. Answers 1, 2 or 7.
 VANTO_API VNT_RESP Vnt_MsgBox(const char* format, ...);
-/// With `fixedAnswer` the answer does not depend on the button: 2 for boxes
-/// with Cancel or Abort, 7 for the others (kept for compatibility).
+/// The same with the arguments as the address of a `va_list` (null: the text
+/// is used as it stands, unformatted). `owner` is advisory: the presenter
+/// chooses the owner window. With `fixedAnswer` the answer does not depend on
+/// the button: 2 for boxes with Cancel or Abort, 7 for the others (kept for
+/// compatibility).
 VANTO_API VNT_RESP Vnt_MsgBox(const char* format, char* args, VNT_HWND owner, bool fixedAnswer);
 
 /// The application title of the plain box (at most 119 characters); null

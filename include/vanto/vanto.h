@@ -3,5 +3,9 @@
 
 #include "vanto/base.h"
 #include "vanto/lfn.h"
+#include "vanto/msg.h"
 #include "vanto/text.h"
 #include "vanto/vtm.h"
+#include "vanto/ui/help.h"
+#include "vanto/ui/msgbox.h"
+#include "vanto/ui/window.h"
