@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 
+#include "base/format.h"
 #include "base/strbuf.h"
 #include "host/host.h"
 #include "msg/msg_internal.h"
@@ -43,25 +44,6 @@ constexpr const char* kCodeDesc[] = {
     "SlistRem", "SlistElt", "SlistUpdate", "Win=NULL",      "CreateWin",
     "ResStr",   "DBSubst",  "",
 };
-
-// printf into a std::string.
-std::string formatted(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
-std::string formatted(const char* fmt, ...) {
-    va_list ap;
-    va_start(ap, fmt);
-    va_list ap2;
-    va_copy(ap2, ap);
-    int n = std::vsnprintf(nullptr, 0, fmt, ap);
-    va_end(ap);
-    std::string out;
-    if (n > 0) {
-        out.resize(std::size_t(n) + 1);
-        std::vsnprintf(out.data(), out.size(), fmt, ap2);
-        out.resize(std::size_t(n));
-    }
-    va_end(ap2);
-    return out;
-}
 
 // Shows a literal text through the common message path. Vnt__Msg takes its
 // arguments as a va_list, hence the variadic frame around it.
@@ -133,7 +115,7 @@ const char* severityWord(uint32_t code) {
 std::string flagsText(uint32_t flags) {
     if (flags == 0) return "EXCEPTION_CONTINUABLE";
     if (flags == 1) return "EXCEPTION_NONCONTINUABLE";
-    return formatted("EXCEPTION_[NON]CONTINUABLE undefined?! (Flags: 0x%lX)", static_cast<unsigned long>(flags));
+    return vnt::format("EXCEPTION_[NON]CONTINUABLE undefined?! (Flags: 0x%lX)", static_cast<unsigned long>(flags));
 }
 
 }  // namespace
@@ -205,7 +187,7 @@ bool Vnt_MsgErrLastError(const char* text) {
         report.assign(text, strnlen(text, kCallerTextMax));
         report += "\n\n";
     }
-    report += formatted("(Code = %lu)\n\n", code);
+    report += vnt::format("(Code = %lu)\n\n", code);
     report += vnt::host::errorText(code);
     char* buf = vnt::msg::ringTake();
     vnt::copyBounded(buf, vnt::msg::kTextSize, report);

@@ -10,6 +10,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "base/format.h"
 #include "host/host.h"
 #include "vanto/vtm.h"
 
@@ -175,8 +176,7 @@ std::size_t liveCount();
 /// buffer.
 void report(const std::string& detail);
 
-/// printf-style formatting into a std::string.
-std::string format(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
+using vnt::format;
 
 /// Case-insensitive (ASCII) comparison of two 8-character name fields; each
 /// ends at its first NUL or after 8 characters.

@@ -62,23 +62,6 @@ void IdIndex::clear() {
     shift_ = 31;
 }
 
-std::string format(const char* fmt, ...) {
-    va_list ap;
-    va_start(ap, fmt);
-    va_list ap2;
-    va_copy(ap2, ap);
-    int n = std::vsnprintf(nullptr, 0, fmt, ap);
-    va_end(ap);
-    std::string out;
-    if (n > 0) {
-        out.resize(std::size_t(n) + 1);
-        std::vsnprintf(out.data(), out.size(), fmt, ap2);
-        out.resize(std::size_t(n));
-    }
-    va_end(ap2);
-    return out;
-}
-
 static VNT_RESP defaultReport(const char* text) {
     std::fprintf(stderr, "%s\n", text);
     return VNT_RESP_OK;
