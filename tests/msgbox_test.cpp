@@ -1,37 +1,32 @@
-// The message box through the scripted presenter: the box model of each
-// family of the prefix grammar, answers per box type, nesting and the plain
-// fallback of a third box, the memory of switched-off messages in
-// "Msg.ini", the details page behind Support, Help requests, the plain box
-// with its fixed answers, and the copy and editor actions.
+// The message box through the scripted presenter: the box model of the
+// prefix grammar, answers, nesting and the third-box fallback, the memory of
+// switched-off messages in "Msg.ini", the details page behind Support, Help,
+// the plain box and the copy and editor actions.
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdarg>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "host/host.h"
 #include "msg/msg_ini.h"
-#include "msg/msg_internal.h"
 #include "msg/msgbox_internal.h"
 #include "msg/vtm_internal.h"
 #include "vanto/lfn.h"
-#include "vanto/msg.h"
 #include "vanto/ui/help.h"
-#include "vanto/ui/msgbox.h"
 #include "vanto/ui/window.h"
 #include "vtmtool/vtm_writer.h"
 
 namespace fs = std::filesystem;
+using vnt::msg::showBox;
 
 namespace {
-
-constexpr const char* kCheckbox = "Diese Meldung k\xFC" "nftig &nicht mehr anzeigen.";
 
 std::string slurp(const fs::path& p) {
     std::ifstream in(p, std::ios::binary);
@@ -43,14 +38,23 @@ void put(const fs::path& p, const std::string& s) {
     std::ofstream(p, std::ios::binary) << s;
 }
 
-// "&Ja(6) &Nein(7)": the buttons left to right.
-std::string buttons(const VntBoxModel& m) {
-    std::string s;
-    for (const VntBoxButton& b : m.buttons) s += (s.empty() ? "" : " ") + b.caption + "(" + std::to_string(b.id) + ")";
+// One line for a model: icon (I E Q S, '-' none), type (+H: the Help bit),
+// the buttons left to right, then what differs from the usual: "esc7"
+// (closing answers No), "x.<" (checkbox below, left), "h42" (help context),
+// "h[key]" (help keyword).
+std::string summary(const VntBoxModel& m) {
+    const int i = m.icon - VNT_ICON_INFORMATION;
+    std::string s(1, m.icon == VNT_ICON_NONE ? '-' : i >= 0 && i < 4 ? "IEQS"[i] : '?');
+    s += std::to_string(m.type & ~16384L) + (m.type & 16384 ? "+H" : "");
+    for (const VntBoxButton& b : m.buttons) s += " " + b.caption + "(" + std::to_string(b.id) + ")";
+    if (m.escapeButton != VNT_BTN_CANCEL) s += " esc" + std::to_string(m.escapeButton);
+    if (m.checkbox) s += std::string(" x") + (m.checkboxBelow ? "." : "^") + (m.checkboxLeft ? "<" : ">");
+    if (m.helpContext) s += " h" + std::to_string(m.helpContext);
+    if (!m.helpKeyword.empty()) s += " h[" + m.helpKeyword + "]";
     return s;
 }
 
-// A window system that remembers what the box asked of it.
+// A window system that remembers the focus, busy cursor and clipboard.
 class TestWindows final : public VntWindowPort {
 public:
     long Send(VNT_HWND, unsigned, uintptr_t, intptr_t) override { return 0; }
@@ -62,477 +66,233 @@ public:
     void SetFocus(VNT_HWND w) override { focusSet.push_back(w); }
     VNT_HWND ActiveWindow() override { return nullptr; }
     VNT_HWND MainWindow() override { return nullptr; }
-    void PumpEvents() override {
-        ++pumps;
-        if (onPump) onPump();
-    }
+    void PumpEvents() override { if (onPump) onPump(); }
     void BusyCursor(bool on) override { busy += on ? "+" : "-"; }
     void Beep() override {}
-    bool SetClipboardText(const std::string& text) override {
-        clipboard = text;
-        return true;
-    }
+    bool SetClipboardText(const std::string& text) override { clipboard = text; return true; }
     std::string ClipboardText() override { return clipboard; }
 
     VNT_HWND focus = nullptr;
     std::vector<VNT_HWND> focusSet;
-    int pumps = 0;
     void (*onPump)() = nullptr;
     std::string busy, clipboard;
 };
 
-void resetAll() {
-    vnt::vtm::reset();
-    vnt::host::reset();
-    vnt::host::faultReset();
-    vnt::msg::resetTexts();
-    vnt::msg::resetBox();
-    vnt::msg::resetReports();
-}
-
-// The system library of these tests: the details template and help keys.
-const std::vector<vtmtool::Message> kSystemTexts = {
-    {62001, "Beschreibung: %s\nDatei: %s\nZeile: %d"},
-    {62005, "Meldungsdetails"},
-    {62006, "Meldungen"},
-};
-
 class MsgBox : public ::testing::Test {
 protected:
+    static void resetAll() {
+        vnt::vtm::reset();
+        vnt::host::reset();
+        vnt::host::faultReset();
+        vnt::msg::resetTexts();
+        vnt::msg::resetBox();
+        vnt::msg::resetReports();
+    }
     void SetUp() override {
         resetAll();
         base_ = fs::temp_directory_path() /
                 ("vanto_msgbox_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
         fs::remove_all(base_);
         fs::create_directories(base_ / "prog");
-        char lib[VNT_MAX_PATH];
-        ASSERT_TRUE(Vnt_LfnFromHost(lib, (base_ / "prog" / "Fibu").c_str()));
-        vnt::host::setProgramFile(lib);
-        oldPresenter_ = Vnt_UiSetPresenter(&box);
-        oldHelp_ = Vnt_UiSetHelp(&help);
-        oldWindow_ = Vnt_UiSetWindow(&win);
+        vnt::host::setProgramFile(lib(base_ / "prog" / "Fibu"));
+        Vnt_UiSetPresenter(&box);
+        Vnt_UiSetHelp(&help);
+        Vnt_UiSetWindow(&win);
     }
     void TearDown() override {
-        if (sys_) Vnt_MsgHTerm(&sys_);
         Vnt_MsgItfTerm();
-        Vnt_UiSetPresenter(oldPresenter_);
-        Vnt_UiSetHelp(oldHelp_);
-        Vnt_UiSetWindow(oldWindow_);
+        Vnt_UiSetPresenter(nullptr);
+        Vnt_UiSetHelp(nullptr);
+        Vnt_UiSetWindow(nullptr);
         resetAll();
         fs::remove_all(base_);
     }
-
-    // Opens a system library of `texts` (none: a missing one) and sets the title.
-    void startMessages(const std::vector<vtmtool::Message>* texts = &kSystemTexts) {
+    static std::string lib(const fs::path& p) {
+        char s[VNT_MAX_PATH] = {};
+        EXPECT_TRUE(Vnt_LfnFromHost(s, p.c_str()));
+        return s;
+    }
+    // Opens the system library (none: a missing one) with the details
+    // template `details` and the help keys; the title is "Fibu".
+    void startMessages(bool withLibrary = true, const char* details = "Beschreibung: %s\nDatei: %s\nZeile: %d") {
         const fs::path file = base_ / "VNT60LIB.VTM";
-        if (texts) vtmtool::writeFileAtomic(file, vtmtool::writeLibrary({"VNT60LIB", 60, 1, -1, *texts}));
-        char lib[VNT_MAX_PATH];
-        ASSERT_TRUE(Vnt_LfnFromHost(lib, file.c_str()));
-        ASSERT_TRUE(Vnt_MsgItfInit(nullptr, 0, lib));
-        if (texts) {
-            sys_ = Vnt_MsgHInit();
-            ASSERT_NE(sys_, nullptr);
-        }
+        if (withLibrary)
+            vtmtool::writeFileAtomic(file, vtmtool::writeLibrary({"VNT60LIB", 60, 1, -1,
+                {{62001, details}, {62005, "Meldungsdetails"}, {62006, "Meldungen"}}}));
+        ASSERT_TRUE(Vnt_MsgItfInit(nullptr, 0, lib(file).c_str()));
+        EXPECT_TRUE(!withLibrary || Vnt_MsgHInit() != nullptr);  // closed by the reset
         Vnt_MsgSetTitle("Fibu");
-        vnt::msg::box::boxState().copyWaitMs = 0;
-        vnt::msg::box::boxState().editWaitMs = 0;
+        vnt::msg::box::boxState().copyWaitMs = vnt::msg::box::boxState().editWaitMs = 0;
     }
-
-    static VNT_RESP show(const char* text, VntMsgRef ref = 1234, const char* lib = "APPMSG") {
-        vnt::msg::ShowRequest r;
-        r.text = text;
-        r.libName = lib;
-        r.ref = ref;
-        return vnt::msg::showBox(r);
+    static VNT_RESP show(const char* text, VntMsgRef ref = 1234, const char* libName = "APPMSG") {
+        return showBox({.text = text, .libName = libName, .ref = ref});
     }
-
     fs::path msgIni() const { return base_ / "prog" / "USR" / "Std" / "Msg.ini"; }
 
     VntScriptedPresenter box;
     VntHelpRecorder help;
     TestWindows win;
     fs::path base_;
-
-private:
-    VntMsgPresenter* oldPresenter_ = nullptr;
-    VntHelpPort* oldHelp_ = nullptr;
-    VntWindowPort* oldWindow_ = nullptr;
-    VNT_MSG sys_ = nullptr;
 };
-
-// ---------------------------------------------------------------------------
-// The box model
-// ---------------------------------------------------------------------------
 
 TEST_F(MsgBox, ModelFollowsThePrefixGrammar) {
     startMessages();
-    enum Mode { Normal, Report, Details };
-    struct Row {
-        const char* name;
-        const char* text;
-        Mode mode;
-        long typeOverride, help;
-        int icon;
-        long type;
-        const char* buttons;
-        const char* shown;  // the first line
-        int escape;
-    };
-    constexpr int I = VNT_ICON_INFORMATION, E = VNT_ICON_EXCLAMATION, Q = VNT_ICON_QUESTION, S = VNT_ICON_STOP;
-    const char* ok = "&OK(1)";
-    const char* okc = "&OK(1) &Abbrechen(2)";
-    const char* ync = "&Ja(6) &Nein(7) &Abbrechen(2)";
-    const char* yn = "&Ja(6) &Nein(7)";
+    const std::string v79(79, 'v'), key39 = "012345678901234567890123456789012345678";
+    // mode: 'n' a message, 'r' an internal error report, 'd' the details page.
+    struct Row { const char* name; std::string text; char mode; long override, help; std::string model; std::vector<std::string> lines; };
     const Row rows[] = {
-        // Icons and the buttons they default to.
-        {"no prefix", "Hallo", Normal, -1, 0, I, 64, ok, "Hallo", 2},
-        {"question", "?Speichern?", Normal, -1, 0, Q, 35, ync, "Speichern?", 2},
-        {"exclamation", "!Achtung", Normal, -1, 0, E, 49, okc, "Achtung", 2},
-        {"stop", "#Fehler", Normal, -1, 0, S, 16, ok, "Fehler", 2},
-        {"information", "iHinweis", Normal, -1, 0, I, 64, ok, "Hinweis", 2},
-        {"no icon", "-Ohne", Normal, -1, 0, VNT_ICON_NONE, 0, ok, "Ohne", 2},
-        {"one & after the icon", "!&&Text", Normal, -1, 0, E, 49, okc, "&Text", 2},
-        {"& without an icon character stays", "&okText", Normal, -1, 0, I, 64, ok, "&okText", 2},
-        // Button codes.
-        {"ok", "!okNur OK", Normal, -1, 0, E, 48, ok, "Nur OK", 2},
-        {"okc", "iokcText", Normal, -1, 0, I, 65, okc, "Text", 2},
-        {"oc", "?ocText", Normal, -1, 0, Q, 33, okc, "Text", 2},
-        {"ari", "#ariText", Normal, -1, 0, S, 18, "&Wiederholen(4) &Ignorieren(5) &Abbrechen(3)", "Text", 2},
-        {"rc", "!rcText", Normal, -1, 0, E, 53, "&Wiederholen(4) &Abbrechen(2)", "Text", 2},
-        {"ync", "!yncText", Normal, -1, 0, E, 51, ync, "Text", 2},
-        {"yn: closing is No", "#ynFehler", Normal, -1, 0, S, 20, yn, "Fehler", 7},
-        {"o before a letter is dropped (kept)", "?oderText", Normal, -1, 0, Q, 35, ync, "derText", 2},
-        {"o before a blank stays", "o Text", Normal, -1, 0, I, 64, ok, "o Text", 2},
-        // Help part, before or after the code.
-        {"h: contents", "hokText", Normal, -1, 0, I, 64 | 16384, "&OK(1) &Hilfe(9)", "Text", 2},
-        {"h after the code", "?ynh[12]Text", Normal, -1, 0, Q, 36 | 16384, "&Ja(6) &Nein(7) &Hilfe(9)", "Text", 7},
-        {"h keyword", "!h[Buchen]rcText", Normal, -1, 0, E, 53 | 16384, "&Wiederholen(4) &Abbrechen(2) &Hilfe(9)", "Text", 2},
-        {"h without ] is the letter alone", "h[12", Normal, -1, 0, I, 64 | 16384, "&OK(1) &Hilfe(9)", "[12", 2},
-        {"caller's help context", "Text", Normal, -1, 77, I, 64 | 16384, "&OK(1) &Hilfe(9)", "Text", 2},
-        // Labels.
-        {"three labels", "?Datei?|~Speichern|~Verwerfen|Zur\xFC" "ck", Normal, -1, 0, Q, 35,
-         "&Speichern(6) &Verwerfen(7) Zur\xFC" "ck(2)", "Datei?", 2},
-        {"two labels", "?Weiter?|~Weiter|~Stop", Normal, -1, 0, Q, 36, "&Weiter(6) &Stop(7)", "Weiter?", 7},
-        {"one label, question: Cancel on No", "?Drucken?|~Drucken", Normal, -1, 0, Q, 36,
-         "&Drucken(6) &Abbrechen(7)", "Drucken?", 7},
-        {"one label, exclamation", "!Fertig|Schlie\xDF" "en", Normal, -1, 0, E, 52,
-         "Schlie\xDF" "en(6) &Abbrechen(7)", "Fertig", 7},
-        {"one label, information: on OK", "Info|~Gut", Normal, -1, 0, I, 64, "&Gut(1)", "Info", 2},
-        {"more than three labels", "?a|b|c|d|e", Normal, -1, 0, Q, 35, "b(6) c(7) d(2)", "a", 2},
-        {"labels: no button code is read", "?ynText|A|B", Normal, -1, 0, Q, 36, "A(6) B(7)", "ynText", 7},
-        // Type override.
-        {"override Yes/No", "?Frage", Normal, 4, 0, Q, 36, yn, "Frage", 7},
-        {"override OK", "?Frage", Normal, 0, 0, Q, 32, ok, "Frage", 2},
-        {"override with icon bits", "Text", Normal, 48 | 1, 0, E, 49, okc, "Text", 2},
-        {"override with Help", "Text", Normal, 16384, 0, I, 64 | 16384, "&OK(1) &Hilfe(9)", "Text", 2},
-        // Reports: OK and Support, the exclamation icon for '-', '?' and none.
-        {"report", "Fehler", Report, -1, 0, E, 49, "&OK(1) &Support(100)", "Fehler", 2},
-        {"report with '?'", "?ynFrage|A", Report, -1, 0, E, 52, "&OK(1) &Support(100)", "Frage|A", 2},
-        {"report with '-'", "-Text", Report, -1, 0, E, 49, "&OK(1) &Support(100)", "Text", 2},
-        {"report keeps stop", "#Text", Report, -1, 0, S, 16, "&OK(1) &Support(100)", "Text", 2},
-        {"report with help", "!Text", Report, -1, 5, E, 49 | 16384, "&OK(1) &Support(100) &Hilfe(9)", "Text", 2},
-        // The details page: information, OK and Help.
-        {"details page", "!ynDetails", Details, -1, 0, I, 68 | 16384, "&OK(1) &Hilfe(9)", "Details", 2},
+        {"no prefix", "Hallo", 'n', -1, 0, "I64 &OK(1)", {"Hallo"}},
+        {"question", "?Speichern?", 'n', -1, 0, "Q35 &Ja(6) &Nein(7) &Abbrechen(2)", {"Speichern?"}},
+        {"exclamation", "!Achtung", 'n', -1, 0, "E49 &OK(1) &Abbrechen(2)", {"Achtung"}},
+        {"no icon", "-Ohne", 'n', -1, 0, "-0 &OK(1)", {"Ohne"}},
+        {"one & after the icon", "!&&Text", 'n', -1, 0, "E49 &OK(1) &Abbrechen(2)", {"&Text"}},
+        {"& without an icon stays", "&okText", 'n', -1, 0, "I64 &OK(1)", {"&okText"}},
+        {"ok", "!okNur OK", 'n', -1, 0, "E48 &OK(1)", {"Nur OK"}},
+        {"okc", "?okcText", 'n', -1, 0, "Q33 &OK(1) &Abbrechen(2)", {"Text"}},
+        {"oc after i", "iocText", 'n', -1, 0, "I65 &OK(1) &Abbrechen(2)", {"Text"}},
+        {"ari", "#ariText", 'n', -1, 0, "S18 &Wiederholen(4) &Ignorieren(5) &Abbrechen(3)", {"Text"}},
+        {"rc", "!rcText", 'n', -1, 0, "E53 &Wiederholen(4) &Abbrechen(2)", {"Text"}},
+        {"ync", "!yncText", 'n', -1, 0, "E51 &Ja(6) &Nein(7) &Abbrechen(2)", {"Text"}},
+        {"yn: closing is No", "#ynFehler", 'n', -1, 0, "S20 &Ja(6) &Nein(7) esc7", {"Fehler"}},
+        {"o before a letter is dropped (kept)", "?oderText", 'n', -1, 0, "Q35 &Ja(6) &Nein(7) &Abbrechen(2)", {"derText"}},
+        {"o before a blank stays", "o Text", 'n', -1, 0, "I64 &OK(1)", {"o Text"}},
+        {"h: contents", "hokText", 'n', -1, 0, "I64+H &OK(1) &Hilfe(9) h-1", {"Text"}},
+        {"h after the code", "?ynh[12]Text", 'n', -1, 0, "Q36+H &Ja(6) &Nein(7) &Hilfe(9) esc7 h12", {"Text"}},
+        {"h keyword before the code", "!h[Buchen]rcText", 'n', -1, 0, "E53+H &Wiederholen(4) &Abbrechen(2) &Hilfe(9) h[Buchen]", {"Text"}},
+        {"h without ] is the letter alone", "h[12", 'n', -1, 0, "I64+H &OK(1) &Hilfe(9) h-1", {"[12"}},
+        {"h keyword: 39 characters kept", "h[" + key39 + "9X]ok Text", 'n', -1, 0, "I64+H &OK(1) &Hilfe(9) h[" + key39 + "]", {" Text"}},
+        {"the caller's help context wins", "h[5]Text", 'n', -1, 77, "I64+H &OK(1) &Hilfe(9) h77", {"Text"}},
+        {"three labels", "?Datei?|~Speichern|~Verwerfen|Zur\xFC" "ck", 'n', -1, 0, "Q35 &Speichern(6) &Verwerfen(7) Zur\xFC" "ck(2)", {"Datei?"}},
+        {"two labels", "?Weiter?|~Weiter|~Stop", 'n', -1, 0, "Q36 &Weiter(6) &Stop(7) esc7", {"Weiter?"}},
+        {"one label, exclamation", "!Fertig|Schlie\xDF" "en", 'n', -1, 0, "E52 Schlie\xDF" "en(6) &Abbrechen(7) esc7", {"Fertig"}},
+        {"one label, information: on OK", "Info|~Gut", 'n', -1, 0, "I64 &Gut(1)", {"Info"}},
+        {"more than three labels", "?a|b|c|d|e", 'n', -1, 0, "Q35 b(6) c(7) d(2)", {"a"}},
+        {"labels: no button code is read", "?ynText|A|B", 'n', -1, 0, "Q36 A(6) B(7) esc7", {"ynText"}},
+        {"override 0", "?Frage", 'n', 0, 0, "Q32 &OK(1)", {"Frage"}},
+        {"override with icon bits", "Text", 'n', 48 | 1, 0, "E49 &OK(1) &Abbrechen(2)", {"Text"}},
+        {"report: no checkbox", "xFehler", 'r', -1, 0, "E49 &OK(1) &Support(100)", {"Fehler"}},
+        {"report: '?' is exclamation, no labels", "?ynFrage|A", 'r', -1, 0, "E52 &OK(1) &Support(100)", {"Frage|A"}},
+        {"report keeps stop, with help", "#Text", 'r', -1, 5, "S16+H &OK(1) &Support(100) &Hilfe(9) h5", {"Text"}},
+        {"details page", "!ynDetails", 'd', -1, 0, "I68+H &OK(1) &Hilfe(9)", {"Details"}},
+        {"checkbox: above, right", "?xWirklich?", 'n', -1, 0, "Q35 &Ja(6) &Nein(7) &Abbrechen(2) x^>", {"Wirklich?"}},
+        {"checkbox key, below and left", "?x[Nr7].<Text", 'n', -1, 0, "Q35 &Ja(6) &Nein(7) &Abbrechen(2) x.<", {"Text"}},
+        {"checkbox after &, layout, then code", "!&x^>okText", 'n', -1, 0, "E48 &OK(1) x^>", {"Text"}},
+        {"a third layout character is text", "x<.^Text", 'n', -1, 0, "I64 &OK(1) x.<", {"^Text"}},
+        {"layout without a checkbox is text", "?.Text", 'n', -1, 0, "Q35 &Ja(6) &Nein(7) &Abbrechen(2)", {".Text"}},
+        {"empty", "", 'n', -1, 0, "I64 &OK(1)", {}},
+        {"line feeds break, empty lines at the end go", "a\n\nb\r\nc\n\n", 'n', -1, 0, "", {"a", "", "b", "c"}},
+        {"at the last blank within 79", v79.substr(9) + " " + v79.substr(71) + " zz", 'n', -1, 0, "", {v79.substr(9) + " " + v79.substr(71), "zz"}},
+        {"79 characters and blanks after them", v79 + "  next", 'n', -1, 0, "", {v79, "next"}},
+        {"words cut at 79, at most 15 lines", std::string(1300, 'q'), 'n', -1, 0, "", std::vector<std::string>(15, std::string(79, 'q'))},
     };
     for (const Row& r : rows) {
-        const VntBoxModel m = Vnt_MsgBoxModel(r.text, r.mode == Report, r.mode == Details, r.typeOverride, r.help);
-        EXPECT_EQ(m.icon, r.icon) << r.name;
-        EXPECT_EQ(m.type, r.type) << r.name;
-        EXPECT_EQ(buttons(m), r.buttons) << r.name;
-        ASSERT_FALSE(m.lines.empty()) << r.name;
-        EXPECT_EQ(m.lines[0], r.shown) << r.name;
-        EXPECT_EQ(m.escapeButton, r.escape) << r.name;
-        EXPECT_EQ(m.title, "Fibu") << r.name;
-        EXPECT_FALSE(m.checkbox) << r.name;
+        SCOPED_TRACE(r.name);
+        const VntBoxModel m = Vnt_MsgBoxModel(r.text.c_str(), r.mode == 'r', r.mode == 'd', r.override, r.help);
+        EXPECT_TRUE(r.model.empty() || summary(m) == r.model) << summary(m);
+        EXPECT_EQ(m.lines, r.lines);
+        EXPECT_EQ(m.checkboxCaption, m.checkbox ? "Diese Meldung k\xFCnftig &nicht mehr anzeigen." : "");
+        EXPECT_EQ(m.title, "Fibu");
     }
 }
-
-TEST_F(MsgBox, ModelCheckboxAndHelpTarget) {
-    startMessages();
-    struct Row {
-        const char* name;
-        const char* text;
-        bool report;
-        bool checkbox, below, left;
-        const char* shown;
-        long helpContext;
-        const char* keyword;
-    };
-    const Row rows[] = {
-        {"checkbox: above, right", "?xWirklich?", false, true, false, false, "Wirklich?", 0, ""},
-        {"below and left", "?x.<Text", false, true, true, true, "Text", 0, ""},
-        {"key, then above and right", "!x[Nr7]^>Text", false, true, false, false, "Text", 0, ""},
-        {"a third layout character is text", "x<.^Text", false, true, true, true, "^Text", 0, ""},
-        {"layout without a checkbox is text", "?.Text", false, false, false, false, ".Text", 0, ""},
-        {"after & and before the code", "!&xokText", false, true, false, false, "Text", 0, ""},
-        {"a report cannot be switched off", "xText", true, false, false, false, "Text", 0, ""},
-        {"help contents", "hText", false, false, false, false, "Text", -1, ""},
-        {"help context", "h[42]Text", false, false, false, false, "Text", 42, ""},
-        {"help keyword, 39 characters kept", "h[0123456789012345678901234567890123456789X]ok Text", false,
-         false, false, false, " Text", 0, "012345678901234567890123456789012345678"},
-    };
-    for (const Row& r : rows) {
-        const VntBoxModel m = Vnt_MsgBoxModel(r.text, r.report);
-        EXPECT_EQ(m.checkbox, r.checkbox) << r.name;
-        EXPECT_EQ(m.checkboxBelow, r.below) << r.name;
-        EXPECT_EQ(m.checkboxLeft, r.left) << r.name;
-        EXPECT_EQ(m.checkboxCaption, r.checkbox ? kCheckbox : "") << r.name;
-        ASSERT_EQ(m.lines.size(), 1u) << r.name;
-        EXPECT_EQ(m.lines[0], r.shown) << r.name;
-        EXPECT_EQ(m.helpContext, r.helpContext) << r.name;
-        EXPECT_EQ(m.helpKeyword, r.keyword) << r.name;
-    }
-    // The caller's context is the message's own and wins over the text's.
-    EXPECT_EQ(Vnt_MsgBoxModel("h[5]Text", false, false, -1, 77).helpContext, 77);
-}
-
-TEST_F(MsgBox, ModelBreaksTheTextIntoLines) {
-    startMessages();
-    // (A text must not begin with a control letter such as "x".)
-    const std::string w9 = "abcdefgh ";  // nine characters with the blank
-    std::string fifteen;
-    for (int i = 1; i <= 20; ++i) fifteen += "Zeile " + std::to_string(i) + "\n";
-    struct Row {
-        const char* name;
-        std::string text;
-        std::vector<std::string> lines;
-    };
-    const Row rows[] = {
-        {"empty", "", {}},
-        {"line feeds always break", "a\nb\r\nc", {"a", "b", "c"}},
-        {"empty lines inside stay, at the end go", "a\n\nb\n\n", {"a", "", "b"}},
-        {"79 characters fit", std::string(79, 'v'), {std::string(79, 'v')}},
-        {"at the last blank within 79", std::string(70, 'v') + " " + std::string(8, 'y') + " zz",
-         {std::string(70, 'v') + " " + std::string(8, 'y'), "zz"}},
-        {"blank right after 79 characters", std::string(79, 'v') + "  next", {std::string(79, 'v'), "next"}},
-        {"a word over the width is cut", std::string(100, 'w'), {std::string(79, 'w'), std::string(21, 'w')}},
-        {"words over several lines", w9 + w9 + w9 + w9 + w9 + w9 + w9 + w9 + w9 + "end",
-         {(w9 + w9 + w9 + w9 + w9 + w9 + w9 + w9).substr(0, 71), "abcdefgh end"}},
-        {"prefix is not shown", "?ynErste\nZweite", {"Erste", "Zweite"}},
-    };
-    for (const Row& r : rows) EXPECT_EQ(Vnt_MsgBoxModel(r.text.c_str()).lines, r.lines) << r.name;
-
-    const VntBoxModel m = Vnt_MsgBoxModel(fifteen.c_str());
-    ASSERT_EQ(m.lines.size(), 15u);
-    EXPECT_EQ(m.lines.back(), "Zeile 15");
-    EXPECT_EQ(m.text, fifteen) << "the whole text stays for copying";
-    for (const std::string& l : Vnt_MsgBoxModel(std::string(2000, 'q').c_str()).lines) EXPECT_LE(l.size(), 79u);
-}
-
-// ---------------------------------------------------------------------------
-// Answers
-// ---------------------------------------------------------------------------
 
 TEST_F(MsgBox, AnswersMapToOkCancelAndNo) {
     startMessages();
-    constexpr int kUnknown = 42;
-    struct Row {
-        const char* text;
-        int pressed;
-        VNT_RESP expected;
+    constexpr int kUnknown = 42;  // as Support and Help here: no button of the box
+    const struct { const char* text; std::vector<std::pair<int, VNT_RESP>> pressed; } rows[] = {
+        {"okText", {{VNT_BTN_OK, 1}, {VNT_BTN_CANCEL, 2}, {VNT_BTN_SUPPORT, 2}}},
+        {"okcText", {{VNT_BTN_OK, 1}, {VNT_BTN_CANCEL, 2}, {kUnknown, 2}}},
+        {"ariText", {{VNT_BTN_ABORT, 2}, {VNT_BTN_RETRY, 1}, {VNT_BTN_IGNORE, 7}, {VNT_BTN_CANCEL, 2}}},
+        {"yncText", {{VNT_BTN_YES, 1}, {VNT_BTN_NO, 7}, {VNT_BTN_CANCEL, 2}}},
+        {"ynText", {{VNT_BTN_YES, 1}, {VNT_BTN_NO, 7}, {VNT_BTN_CANCEL, 7}, {kUnknown, 7}, {VNT_BTN_HELP, 7}}},
+        {"rcText", {{VNT_BTN_RETRY, 1}, {VNT_BTN_CANCEL, 2}}},
+        {"?Los?|~Los", {{VNT_BTN_NO, 7}, {VNT_BTN_CANCEL, 7}}},
     };
-    const Row rows[] = {
-        {"okText", VNT_BTN_OK, 1},         {"okText", VNT_BTN_CANCEL, 2},  // closed
-        {"okcText", VNT_BTN_OK, 1},        {"okcText", VNT_BTN_CANCEL, 2},
-        {"ariText", VNT_BTN_ABORT, 2},     {"ariText", VNT_BTN_RETRY, 1},  {"ariText", VNT_BTN_IGNORE, 7},
-        {"ariText", VNT_BTN_CANCEL, 2},    {"yncText", VNT_BTN_YES, 1},    {"yncText", VNT_BTN_NO, 7},
-        {"yncText", VNT_BTN_CANCEL, 2},    {"ynText", VNT_BTN_YES, 1},     {"ynText", VNT_BTN_NO, 7},
-        {"ynText", VNT_BTN_CANCEL, 7},     {"rcText", VNT_BTN_RETRY, 1},   {"rcText", VNT_BTN_CANCEL, 2},
-        {"?Los?|~Los", VNT_BTN_NO, 7},     {"?Los?|~Los", VNT_BTN_CANCEL, 7},
-        {"ynText", kUnknown, 7},           {"okcText", kUnknown, 2},
-        {"okText", VNT_BTN_SUPPORT, 2},  // no Support button: as closing
-    };
-    for (const Row& r : rows) {
-        box.answers = {{r.pressed, false}};
-        EXPECT_EQ(show(r.text), r.expected) << r.text << " pressed " << r.pressed;
+    for (const auto& r : rows)
+        for (const auto& [pressed, expected] : r.pressed) {
+            box.answers = {{pressed, false}};
+            EXPECT_EQ(show(r.text), expected) << r.text << " pressed " << pressed;
+        }
+    EXPECT_TRUE(help.requests.empty());
+    for (int asked : {2, 5, -1}) {
+        showBox({.text = "?Frage", .ref = {}, .defaultButton = asked});
+        EXPECT_EQ(box.shown.back().defaultButton, asked == 2 ? 2 : -1) << "default button " << asked;
     }
-    EXPECT_EQ(box.shown.size(), std::size(rows)) << "one box each";
-}
-
-TEST_F(MsgBox, BoxThatCannotOpenAnswersMinusOne) {
-    startMessages();
+    // A box that cannot be created: error 302, and the focus goes back.
     win.focus = reinterpret_cast<VNT_HWND>(0x5a5a);
     box.failNext = true;
     EXPECT_EQ(show("?Frage"), -1);
-    ASSERT_EQ(box.plainShown.size(), 1u);
-    EXPECT_EQ(box.plainShown[0].text, "Vnt_Msg-Interface: Internal Error 302");
-    EXPECT_EQ(box.plainShown[0].title, "Vnt_Msg-Interface");
-    EXPECT_EQ(win.focusSet, std::vector<VNT_HWND>{win.focus}) << "the focus goes back all the same";
-    // The level was given back: two boxes can open again.
-    box.answers = {{VNT_BTN_YES, false}};
+    EXPECT_EQ(std::tie(box.plainShown.at(0).text, box.plainShown[0].title),
+              std::make_tuple("Vnt_Msg-Interface: Internal Error 302", "Vnt_Msg-Interface"));
+    EXPECT_EQ(win.focusSet, std::vector<VNT_HWND>{win.focus});
     EXPECT_EQ(show("?Frage"), 1);
+    EXPECT_EQ(box.shown.back().level, 1) << "the level was given back";
 }
 
-TEST_F(MsgBox, DefaultButtonIndexReachesThePresenter) {
-    startMessages();
-    for (int asked : {2, 5, -1}) {
-        vnt::msg::ShowRequest r;
-        r.text = "?Frage";
-        r.defaultButton = asked;
-        vnt::msg::showBox(r);
-        EXPECT_EQ(box.shown.back().defaultButton, asked == 2 ? 2 : -1) << asked;
-    }
-}
-
-// ---------------------------------------------------------------------------
-// Nesting
-// ---------------------------------------------------------------------------
-
-VNT_RESP nestedAnswer = 0;
-VNT_RESP thirdAnswer = 0;
+VNT_RESP innerAnswer = 0, thirdAnswer = 0;
 
 TEST_F(MsgBox, SecondBoxNestsAndThirdFallsBackToThePlainBox) {
     startMessages();
-    nestedAnswer = thirdAnswer = 0;
     box.during = [](const VntBoxModel& m) {
-        if (m.level == 1) {
-            nestedAnswer = show("?ynInnen");
-        } else {
-            vnt::msg::ShowRequest r;
-            r.text = "Dritte";
-            r.sourceFile = "Msg/Probe";
-            r.line = 33;
-            thirdAnswer = vnt::msg::showBox(r);
-        }
+        if (m.level == 1) innerAnswer = show("?ynInnen");
+        else thirdAnswer = showBox({.text = "Dritte", .sourceFile = "Msg/Probe", .line = 33, .ref = {}});
     };
     box.answers = {{VNT_BTN_NO, false}, {VNT_BTN_OK, false}};  // the inner box first
     EXPECT_EQ(show("Aussen"), 1);
-    EXPECT_EQ(nestedAnswer, 7);
-    EXPECT_EQ(thirdAnswer, 7);
+    EXPECT_EQ(std::tie(innerAnswer, thirdAnswer), std::make_tuple(7, 7));
     ASSERT_EQ(box.shown.size(), 2u);
-    EXPECT_EQ(box.shown[0].level, 1);
     EXPECT_EQ(box.shown[1].level, 2);
     ASSERT_EQ(box.plainShown.size(), 1u);
-    EXPECT_EQ(box.plainShown[0].text,
-              "Interner Fehler! (Msg/Probe / 33). Bitte schlie\xDF" "en Sie das Programm und starten Sie es neu.");
-    EXPECT_EQ(box.plainShown[0].type, 48);
-    EXPECT_EQ(box.plainShown[0].title, "");
-
-    // English strings; a third box without a source file.
-    box = VntScriptedPresenter{};
-    box.during = [](const VntBoxModel& m) { thirdAnswer = m.level == 1 ? show("Zwei") : show("Drei"); };
-    Vnt_ResSetLanguage("ENU");
-    EXPECT_EQ(show("Eins"), 1);
-    Vnt_ResSetLanguage("DEU");
-    ASSERT_EQ(box.plainShown.size(), 1u);
-    EXPECT_EQ(box.plainShown[0].text,
-              "Internal Error! ((unknown) / 0). Please close and restart the application.");
+    const std::string text = "Interner Fehler! (Msg/Probe / 33). Bitte schlie\xDF" "en Sie das Programm und starten Sie es neu.";
+    EXPECT_EQ(std::tie(box.plainShown[0].text, box.plainShown[0].type, box.plainShown[0].title),
+              std::make_tuple(text, 48, ""));
 }
 
-// ---------------------------------------------------------------------------
-// Switched-off messages
-// ---------------------------------------------------------------------------
-
-TEST_F(MsgBox, TickedCheckboxSwitchesTheMessageOff) {
+// "?xFrage" of APPMSG 1234, answered No with the box ticked: switched off
+// messages answer 1 without a box; others show and are switched off.
+TEST_F(MsgBox, MemoryIsReadAndWrittenAsTheFileSays) {
     startMessages();
-    box.answers = {{VNT_BTN_YES, true}};
-    EXPECT_EQ(show("?xWirklich?"), 1);
-    EXPECT_EQ(slurp(msgIni()), "[Msg]\r\nAPPMSG.1234=0\r\n");
-    // Switched off: answered 1 without a box, for any button it had.
-    EXPECT_EQ(show("?xWirklich?"), 1);
-    EXPECT_EQ(box.shown.size(), 1u);
-    // Another message of the same library still shows.
-    box.answers = {{VNT_BTN_NO, false}};
-    EXPECT_EQ(show("?xAndere?", 1235), 7);
-    EXPECT_EQ(box.shown.size(), 2u);
-    EXPECT_EQ(slurp(msgIni()), "[Msg]\r\nAPPMSG.1234=0\r\n") << "unticked writes nothing";
-    // Cancel with the checkbox ticked is one of the buttons 1..7 too.
-    box.answers = {{VNT_BTN_CANCEL, true}};
-    EXPECT_EQ(show("?xAndere?", 1235, "VNT60LIB"), 2);
-    EXPECT_EQ(slurp(msgIni()), "[Msg]\r\nAPPMSG.1234=0\r\nVNT60LIB.1235=0\r\n");
-    // Without the checkbox marker the memory is not asked.
-    EXPECT_EQ(show("?Wirklich?"), 1);
-    EXPECT_EQ(box.shown.size(), 4u);
-}
-
-TEST_F(MsgBox, MemoryIsReadAsTheFileSays) {
-    startMessages();
-    struct Row {
-        const char* name;
-        const char* file;
-        bool off;
+    const struct { const char *name, *before, *after; } rows[] = {  // before null: no file; after null: off
+        {"no file", nullptr, "[Msg]\r\nAPPMSG.1234=0\r\n"},
+        {"empty file", "", "[Msg]\r\nAPPMSG.1234=0\r\n"},
+        {"0 is off", "[Msg]\nAPPMSG.1234=0\n", nullptr},
+        {"case and blanks", "[ msg ]\r\n  appmsg.1234 =  0  \r\n", nullptr},
+        {"00 reads 0", "[Msg]\nAPPMSG.1234=00\n", nullptr},
+        {"1: replaced in the writer's spelling", "[msg]\n appmsg.1234 = 1 \n", "[msg]\r\nAPPMSG.1234=0\r\n"},
+        {"empty value shows", "[Msg]\nAPPMSG.1234=\n", "[Msg]\r\nAPPMSG.1234=0\r\n"},
+        {"first key wins", "[Msg]\nAPPMSG.1234=1\nAPPMSG.1234=0\n", "[Msg]\r\nAPPMSG.1234=0\r\nAPPMSG.1234=0\r\n"},
+        {"first section wins, key after its last line", "[Msg]\nX=1\n\n[Msg]\nAPPMSG.1234=0\n",
+         "[Msg]\r\nX=1\r\nAPPMSG.1234=0\r\n\r\n[Msg]\r\nAPPMSG.1234=0\r\n"},
+        {"other section: new one at the end", "[Other]\nAPPMSG.1234=0", "[Other]\r\nAPPMSG.1234=0\r\n[Msg]\r\nAPPMSG.1234=0\r\n"},
+        {"comments stay", "; C\n[Msg]\n;APPMSG.1234=0\nX", "; C\r\n[Msg]\r\n;APPMSG.1234=0\r\nX\r\nAPPMSG.1234=0\r\n"},
+        {"other library", "[Msg]\nVNT60LIB.1234=0\n", "[Msg]\r\nVNT60LIB.1234=0\r\nAPPMSG.1234=0\r\n"},
     };
-    const Row rows[] = {
-        {"0", "[Msg]\nAPPMSG.1234=0\n", true},
-        {"case and blanks", "[ msg ]\r\n  appmsg.1234 =  0  \r\n", true},
-        {"00 reads 0", "[Msg]\nAPPMSG.1234=00\n", true},
-        {"1 shows", "[Msg]\nAPPMSG.1234=1\n", false},
-        {"empty shows", "[Msg]\nAPPMSG.1234=\n", false},
-        {"text shows", "[Msg]\nAPPMSG.1234=aus\n", false},
-        {"first key wins", "[Msg]\nAPPMSG.1234=1\nAPPMSG.1234=0\n", false},
-        {"first section wins", "[Msg]\nX=1\n[Msg]\nAPPMSG.1234=0\n", false},
-        {"other section", "[Other]\nAPPMSG.1234=0\n", false},
-        {"comment", "[Msg]\n;APPMSG.1234=0\n", false},
-        {"other library", "[Msg]\nVNT60LIB.1234=0\n", false},
-    };
-    for (const Row& r : rows) {
-        put(msgIni(), r.file);
-        box.shown.clear();
-        box.answers = {{VNT_BTN_NO, false}};
-        EXPECT_EQ(show("?xFrage"), r.off ? 1 : 7) << r.name;
-        EXPECT_EQ(box.shown.size(), r.off ? 0u : 1u) << r.name;
-    }
-}
-
-TEST_F(MsgBox, LiteralTextWithCheckboxIsReportedAndUsesIdZero) {
-    startMessages();
-    box.answers = {{VNT_BTN_OK, false}, {VNT_BTN_YES, true}};  // the report, then the box
-    EXPECT_EQ(show("?xLiteral", "?xLiteral"), 1);
-    ASSERT_EQ(box.shown.size(), 2u);
-    const VntBoxModel& report = box.shown[0];
-    EXPECT_TRUE(report.internalError);
-    EXPECT_EQ(report.level, 2);
-    EXPECT_EQ(report.text, "Internal error (301): Checkbox messages MUST use a message ID (not a string address).");
-    EXPECT_EQ(report.details, "Beschreibung: (unknown)\nDatei: Msg/DlgMsg\nZeile: 1703");
-    EXPECT_EQ(slurp(msgIni()), "[Msg]\r\nAPPMSG.0=0\r\n");
-}
-
-TEST_F(MsgBox, MemoryThatCannotBeWrittenLeavesTheAnswer) {
-    startMessages();
-    put(base_ / "prog" / "USR", "a file where the directory belongs");
-    box.answers = {{VNT_BTN_YES, true}};
-    EXPECT_EQ(show("?xFrage"), 1);
-    EXPECT_FALSE(fs::exists(msgIni()));
-}
-
-// The profile read and write behind the memory.
-TEST_F(MsgBox, ProfileWriteKeepsTheRestOfTheFile) {
-    startMessages();
-    struct Row {
-        const char* name;
-        const char* before;  // null: no file
-        const char* after;
-    };
-    const Row rows[] = {
-        {"new file", nullptr, "[Msg]\r\nK.1=0\r\n"},
-        {"empty file", "", "[Msg]\r\nK.1=0\r\n"},
-        {"section at the end", "[Other]\nA=1", "[Other]\r\nA=1\r\n[Msg]\r\nK.1=0\r\n"},
-        {"key after the section's last line", "[Msg]\nA=1\n\n[Other]\nB=2\n",
-         "[Msg]\r\nA=1\r\nK.1=0\r\n\r\n[Other]\r\nB=2\r\n"},
-        {"replaced, in the writer's spelling", "[msg]\r\n k.1 = 1 \r\n", "[msg]\r\nK.1=0\r\n"},
-        {"first of two", "[Msg]\nK.1=1\n[Msg]\nK.1=2\n", "[Msg]\r\nK.1=0\r\n[Msg]\r\nK.1=2\r\n"},
-        {"comments stay", "; Kommentar\n[Msg]\n;K.1=5\nX", "; Kommentar\r\n[Msg]\r\n;K.1=5\r\nX\r\nK.1=0\r\n"},
-    };
-    std::string path;
-    ASSERT_TRUE(vnt::msg::ini::msgIniPath(path));
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         fs::remove_all(base_ / "prog" / "USR");
         if (r.before) put(msgIni(), r.before);
-        EXPECT_TRUE(vnt::msg::ini::write(path.c_str(), "Msg", "K.1", "0")) << r.name;
-        EXPECT_EQ(slurp(msgIni()), r.after) << r.name;
-        std::string v;
-        EXPECT_TRUE(vnt::msg::ini::read(path.c_str(), "MSG", "k.1", v) && v == "0") << r.name;
+        box.shown.clear();
+        box.answers = {{VNT_BTN_NO, true}};
+        EXPECT_EQ(show("?xFrage"), r.after ? 7 : 1) << r.name;
+        EXPECT_EQ(slurp(msgIni()), r.after ? r.after : r.before) << r.name;
+        EXPECT_EQ(show("?xFrage"), 1) << r.name << ": off now";
+        EXPECT_EQ(box.shown.size(), r.after ? 1u : 0u) << r.name;
     }
-    // Refused: names that would break the file; the file stays as it was.
-    const std::string before = slurp(msgIni());
-    const struct { const char *sec, *key, *val; } bad[] = {
-        {"Msg", "a=b", "0"}, {"Msg", "a\nb", "0"}, {"M]sg", "a", "0"},
-        {"Msg", "a", "0\r\n[X]"}, {"", "a", "0"}, {"Msg", " ", "0"}};
-    for (const auto& b : bad) EXPECT_FALSE(vnt::msg::ini::write(path.c_str(), b.sec, b.key, b.val)) << b.key;
-    EXPECT_EQ(slurp(msgIni()), before);
-    std::string v;
-    EXPECT_FALSE(vnt::msg::ini::read(path.c_str(), "Msg", "missing", v));
-    EXPECT_FALSE(vnt::msg::ini::read((path + "x").c_str(), "Msg", "K.1", v));
+}
+
+TEST_F(MsgBox, OnlyTickedCheckboxesOfMessagesSwitchOff) {
+    startMessages();
+    box.answers = {{VNT_BTN_YES, false}, {VNT_BTN_CANCEL, true}, {VNT_BTN_OK, false}, {VNT_BTN_YES, true}};
+    EXPECT_EQ(show("?xFrage"), 1);
+    EXPECT_FALSE(fs::exists(msgIni())) << "unticked writes nothing";
+    EXPECT_EQ(show("?xFrage", 1235, "VNT60LIB"), 2) << "Cancel ticked switches off too";
+    // A literal text has no ID: reported (301), then remembered as ID 0.
+    EXPECT_EQ(show("?xLiteral", "?xLiteral", "X"), 1);
+    EXPECT_EQ(slurp(msgIni()), "[Msg]\r\nVNT60LIB.1235=0\r\nX.0=0\r\n");
+    ASSERT_EQ(box.shown.size(), 4u);
+    EXPECT_TRUE(box.shown[2].internalError);
+    EXPECT_EQ(box.shown[2].text, "Internal error (301): Checkbox messages MUST use a message ID (not a string address).");
+    EXPECT_EQ(box.shown[2].details, "Beschreibung: (unknown)\nDatei: Msg/DlgMsg\nZeile: 1703");
+    EXPECT_EQ(show("?Frage"), 1);
+    EXPECT_EQ(box.shown.size(), 5u) << "without the marker the memory is not asked";
 }
 
 TEST_F(MsgBox, ProfileWriteFailsCleanly) {
@@ -540,141 +300,87 @@ TEST_F(MsgBox, ProfileWriteFailsCleanly) {
     std::string path;
     ASSERT_TRUE(vnt::msg::ini::msgIniPath(path));
     put(msgIni(), "[Msg]\r\nA=1\r\n");
+    // Names that would break the file are refused.
+    for (const char* key : {"a=b", "a\nb", " "}) EXPECT_FALSE(vnt::msg::ini::write(path.c_str(), "Msg", key, "0")) << key;
     // The second open is the new file's: the first reads the old one.
-    const struct { vnt::host::Op op; int nth; } faults[] = {
-        {vnt::host::Op::Open, 2}, {vnt::host::Op::Write, 1}, {vnt::host::Op::Rename, 1}};
-    for (const auto [op, nth] : faults) {
+    using vnt::host::Op;
+    for (const auto& [op, nth] : {std::pair{Op::Open, 2}, {Op::Write, 1}, {Op::Rename, 1}}) {
         vnt::host::faultAt(op, nth);
         EXPECT_FALSE(vnt::msg::ini::write(path.c_str(), "Msg", "B", "0")) << int(op);
         vnt::host::faultReset();
-        EXPECT_EQ(slurp(msgIni()), "[Msg]\r\nA=1\r\n") << int(op);
-        int files = 0;
-        for (const auto& e : fs::directory_iterator(msgIni().parent_path())) files += e.is_regular_file();
-        EXPECT_EQ(files, 1) << "no temporary file left after " << int(op);
+        EXPECT_EQ(std::distance(fs::directory_iterator(msgIni().parent_path()), {}), 1) << "temporary left, " << int(op);
     }
-    // A file that cannot be read is not replaced by one holding only the key.
+    EXPECT_EQ(slurp(msgIni()), "[Msg]\r\nA=1\r\n");
+    // An unreadable file is not replaced by one holding only the key; the answer stands.
     fs::remove(msgIni());
     fs::create_directories(msgIni());
-    EXPECT_FALSE(vnt::msg::ini::write(path.c_str(), "Msg", "B", "0"));
+    box.answers = {{VNT_BTN_YES, true}};
+    EXPECT_EQ(show("?xFrage"), 1);
     EXPECT_TRUE(fs::is_directory(msgIni()));
 }
 
-// ---------------------------------------------------------------------------
-// Details page and Help
-// ---------------------------------------------------------------------------
-
 TEST_F(MsgBox, SupportShowsTheDetailsPageThenTheReportAgain) {
     startMessages();
-    vnt::msg::ShowRequest r;
-    r.text = "Datei kaputt";
-    r.internalError = true;
-    r.description = "Kopf fehlt";
-    r.sourceFile = "Msg/Probe.cpp";
-    r.line = 42;
     // Support, then Help and OK on the details page, then OK on the report.
     box.answers = {{VNT_BTN_SUPPORT, false}, {VNT_BTN_HELP, false}, {VNT_BTN_OK, false}, {VNT_BTN_OK, false}};
-    EXPECT_EQ(vnt::msg::showBox(r), 1);
+    EXPECT_EQ(showBox({.text = "Kaputt", .internalError = true, .description = "Kopf fehlt", .sourceFile = "Msg/P.cpp",
+                       .line = 42, .ref = {}}), 1);
     ASSERT_EQ(box.shown.size(), 4u);
-    const std::string details = "Beschreibung: Kopf fehlt\nDatei: Msg/Probe.cpp\nZeile: 42";
-    EXPECT_EQ(box.shown[0].details, details);
     const VntBoxModel& page = box.shown[1];
-    EXPECT_TRUE(page.detailsMode);
-    EXPECT_EQ(page.level, 2);
-    EXPECT_EQ(page.icon, VNT_ICON_INFORMATION);
-    EXPECT_EQ(buttons(page), "&OK(1) &Hilfe(9)");
-    EXPECT_EQ(page.lines, (std::vector<std::string>{"Beschreibung: Kopf fehlt", "Datei: Msg/Probe.cpp", "Zeile: 42"}));
+    EXPECT_EQ(summary(page), "I64+H &OK(1) &Hilfe(9)");
+    EXPECT_TRUE(page.detailsMode && page.level == 2);
+    EXPECT_EQ(page.lines, (std::vector<std::string>{"Beschreibung: Kopf fehlt", "Datei: Msg/P.cpp", "Zeile: 42"}));
     EXPECT_TRUE(box.shown[2].detailsMode) << "the page again after Help";
     EXPECT_TRUE(box.shown[3].internalError && box.shown[3].level == 1) << "then the report again";
     ASSERT_EQ(help.requests.size(), 1u);
-    EXPECT_EQ(help.requests[0].command, VntHelpCommand::Key);
-    EXPECT_EQ(help.requests[0].key, "Meldungsdetails");
-
-    // Without description and file the defaults stand in.
+    EXPECT_EQ(std::tie(help.requests[0].command, help.requests[0].key), std::make_tuple(VntHelpCommand::Key, "Meldungsdetails"));
     box = VntScriptedPresenter{};
-    vnt::msg::ShowRequest bare;
-    bare.text = "x";
-    bare.internalError = true;
-    vnt::msg::showBox(bare);
-    EXPECT_EQ(box.shown[0].details, "Beschreibung: (unknown)\nDatei: (unknown)\nZeile: 0");
+    showBox({.text = "x", .internalError = true, .ref = {}});
+    EXPECT_EQ(box.shown.at(0).details, "Beschreibung: (unknown)\nDatei: (unknown)\nZeile: 0");
 }
 
-TEST_F(MsgBox, DetailsTemplateFallsBackToTheSupportText) {
+TEST_F(MsgBox, DetailsFallBackToTheSupportText) {
     // A template whose directives do not fit the arguments is not used.
-    const std::vector<vtmtool::Message> wrong = {{62001, "Zeile %d in %s"}};
-    startMessages(&wrong);
-    vnt::msg::ShowRequest r;
-    r.text = "Fehler";
-    r.internalError = true;
-    r.description = "Kopf fehlt";
-    r.sourceFile = "Msg/Probe.cpp";
-    r.line = 42;
-    vnt::msg::showBox(r);
-    ASSERT_EQ(box.shown.size(), 1u);
-    const std::string& d = box.shown[0].details;
+    startMessages(true, "Zeile %d in %s");
+    showBox({.text = "Fehler", .internalError = true, .description = "Kopf", .sourceFile = "Msg/P.cpp", .line = 42, .ref = {}});
+    const std::string d = box.shown.at(0).details;
     EXPECT_EQ(d.rfind("Bei wiederholtem Auftreten", 0), 0u) << d;
-    EXPECT_NE(d.find("\n\nKopf fehlt\n\nQuelldatei/Zeile: Msg/Probe.cpp/42"), std::string::npos) << d;
+    EXPECT_NE(d.find("\n\nKopf\n\nQuelldatei/Zeile: Msg/P.cpp/42"), std::string::npos) << d;
 }
 
 TEST_F(MsgBox, WithoutSystemLibraryTheBoxStillShows) {
-    // Fetching the template reports the missing library; that report comes
-    // while the template is being fetched and answers 1 without a box.
-    startMessages(nullptr);
-    vnt::msg::ShowRequest r;
-    r.text = "!Achtung";
-    r.sourceFile = "Msg/Probe.cpp";
-    r.line = 9;
+    // The report of the missing library comes while the template is being
+    // fetched: it answers 1 without a box.
+    startMessages(false);
     box.answers = {{VNT_BTN_CANCEL, false}};
-    EXPECT_EQ(vnt::msg::showBox(r), 2);
+    EXPECT_EQ(showBox({.text = "!Achtung", .sourceFile = "Msg/P.cpp", .line = 9, .ref = {}}), 2);
     ASSERT_EQ(box.shown.size(), 1u);
     EXPECT_EQ(box.shown[0].lines, std::vector<std::string>{"Achtung"});
-    EXPECT_NE(box.shown[0].details.find("Quelldatei/Zeile: Msg/Probe.cpp/9"), std::string::npos);
+    EXPECT_NE(box.shown[0].details.find("Quelldatei/Zeile: Msg/P.cpp/9"), std::string::npos);
 }
 
 TEST_F(MsgBox, HelpButtonOpensTheProgramsHelp) {
     startMessages();
-    struct Row {
-        const char* name;
-        const char* text;
-        long helpContext, typeOverride;
-        VntHelpCommand command;
-        long context;
-        const char* key;
-    };
+    using C = VntHelpCommand;
+    struct Row { const char *name, *text; long helpContext, override; C command; long context; const char* key; };
     const Row rows[] = {
-        {"contents", "hText", 0, -1, VntHelpCommand::Contents, 0, ""},
-        {"context of the text", "h[42]Text", 0, -1, VntHelpCommand::Context, 42, ""},
-        {"keyword", "h[Buchen]Text", 0, -1, VntHelpCommand::PartialKey, 0, "Buchen"},
-        {"context of the caller", "Text", 7, -1, VntHelpCommand::Context, 7, ""},
-        {"caller's contents", "Text", -1, -1, VntHelpCommand::Contents, 0, ""},
-        {"no context at all", "Text", 0, 16384, VntHelpCommand::Key, 0, "Meldungen"},
+        {"contents", "hText", 0, -1, C::Contents, 0, ""},
+        {"context of the text", "h[42]Text", 0, -1, C::Context, 42, ""},
+        {"keyword", "h[Buchen]Text", 0, -1, C::PartialKey, 0, "Buchen"},
+        {"context of the caller", "Text", 7, -1, C::Context, 7, ""},
+        {"caller's contents", "Text", -1, -1, C::Contents, 0, ""},
+        {"no context at all", "Text", 0, 16384, C::Key, 0, "Meldungen"},
     };
-    std::string file;
-    ASSERT_TRUE(Vnt_HelpFileName(file));
-    EXPECT_EQ(file.substr(file.size() - 15), "\\prog\\Fibu.html");
     for (const Row& r : rows) {
         help.requests.clear();
         box.answers = {{VNT_BTN_HELP, false}, {VNT_BTN_OK, false}};
-        vnt::msg::ShowRequest q;
-        q.text = r.text;
-        q.helpContext = r.helpContext;
-        q.typeOverride = r.typeOverride;
-        EXPECT_EQ(vnt::msg::showBox(q), 1) << r.name;
+        EXPECT_EQ(showBox({.text = r.text, .helpContext = r.helpContext, .typeOverride = r.override, .ref = {}}), 1) << r.name;
         ASSERT_EQ(help.requests.size(), 1u) << r.name;
-        EXPECT_EQ(help.requests[0].file, file) << r.name;
-        EXPECT_EQ(help.requests[0].command, r.command) << r.name;
-        EXPECT_EQ(help.requests[0].context, r.context) << r.name;
-        EXPECT_EQ(help.requests[0].key, r.key) << r.name;
+        const VntHelpRequest& q = help.requests[0];
+        EXPECT_EQ(std::tie(q.file, q.command, q.context, q.key),
+                  std::make_tuple(lib(base_ / "prog" / "Fibu.html"), r.command, r.context, std::string(r.key))) << r.name;
     }
-    // Help pressed on a box without a Help button ends it as closing does.
-    help.requests.clear();
-    box.answers = {{VNT_BTN_HELP, false}};
-    EXPECT_EQ(show("ynText"), 7);
-    EXPECT_TRUE(help.requests.empty());
 }
-
-// ---------------------------------------------------------------------------
-// The plain box
-// ---------------------------------------------------------------------------
 
 VNT_RESP plainWithArgs(bool fixed, const char* fmt, ...) {
     va_list args;
@@ -686,106 +392,62 @@ VNT_RESP plainWithArgs(bool fixed, const char* fmt, ...) {
 
 TEST_F(MsgBox, PlainBoxTakesIconAndCodeAndFormats) {
     startMessages();
-    box.plainAnswers = {VNT_BTN_NO};
-    EXPECT_EQ(Vnt_MsgBox("?ynWeiter mit %d von %s?", 5, "7"), 7);
-    ASSERT_EQ(box.plainShown.size(), 1u);
-    EXPECT_EQ(box.plainShown[0].text, "Weiter mit 5 von 7?");
-    EXPECT_EQ(box.plainShown[0].type, 4 | 32);
-    EXPECT_EQ(box.plainShown[0].title, "Fibu") << "the box title fills the empty application title";
-    EXPECT_STREQ(Vnt_MsgBoxAppTitle(nullptr), "Fibu");
-
-    struct Row {
-        const char* text;
-        const char* shown;
-        long type;
-    };
-    const Row rows[] = {
-        {"-Ohne Symbol", "Ohne Symbol", 0},  {"!Achtung", "Achtung", 1 | 48},  {"?Frage", "Frage", 3 | 32},
-        {"#ariStop", "Stop", 2 | 16},        {"Zu 100% sicher", "Zu 100% sicher", 64},
-        {"x.<Text", "x.<Text", 64},  // the plain box knows no checkbox
-    };
-    for (const Row& r : rows) {
-        box.plainShown.clear();
-        Vnt_MsgBox(r.text, nullptr, nullptr, false);
-        ASSERT_EQ(box.plainShown.size(), 1u) << r.text;
-        EXPECT_EQ(box.plainShown[0].text, r.shown) << r.text;
-        EXPECT_EQ(box.plainShown[0].type, r.type) << r.text;
-    }
-
-    box.plainShown.clear();
-    EXPECT_EQ(plainWithArgs(false, "!okSoll %s %d?", "Zeile", 12), 1);
-    EXPECT_EQ(box.plainShown.at(0).text, "Soll Zeile 12?");
-    const std::string longArg(3000, 'a');
-    Vnt_MsgBox("%s", longArg.c_str());
-    EXPECT_EQ(box.plainShown.back().text.size(), 1023u);
-
-    Vnt_MsgBoxAppTitle("Buchhaltung");
-    Vnt_MsgBox("Text", nullptr, nullptr, false);
-    EXPECT_EQ(box.plainShown.back().title, "Buchhaltung");
-    EXPECT_EQ(std::string(Vnt_MsgBoxAppTitle(std::string(200, 't').c_str())).size(), 119u);
-}
-
-TEST_F(MsgBox, PlainBoxFixedAnswerAndFailure) {
-    startMessages();
-    // Kept for compatibility: with a fixed answer the button does not count.
-    const struct { const char* text; VNT_RESP fixed; } rows[] = {
-        {"okA", 7}, {"okcA", 2}, {"ariA", 2}, {"yncA", 2}, {"ynA", 7}, {"rcA", 2},
+    // OK pressed; kept for compatibility: a fixed answer does not depend on
+    // the button, 2 for the types with Cancel or Abort, else 7.
+    const struct { const char *text, *shown; long type; VNT_RESP fixed; } rows[] = {
+        {"-Ohne", "Ohne", 0, 7}, {"!Achtung", "Achtung", 1 | 48, 2}, {"?Frage", "Frage", 3 | 32, 2},
+        {"#ariStop", "Stop", 2 | 16, 2}, {"ynA", "A", 4 | 64, 7}, {"rcA", "A", 5 | 64, 2},
+        {"Zu 100% sicher", "Zu 100% sicher", 64, 7},  // no arguments: no formatting
+        {"x.<Text", "x.<Text", 64, 7},                // the plain box knows no checkbox
     };
     for (const auto& r : rows) {
-        box.plainAnswers = {VNT_BTN_OK};
         EXPECT_EQ(Vnt_MsgBox(r.text, nullptr, nullptr, true), r.fixed) << r.text;
-        box.plainAnswers = {VNT_BTN_YES};
-        EXPECT_EQ(Vnt_MsgBox(r.text, nullptr, nullptr, false), 1) << r.text;
+        EXPECT_EQ(std::tie(box.plainShown.back().text, box.plainShown.back().type), std::make_tuple(r.shown, r.type));
     }
-    box.plainAnswers = {VNT_BTN_CANCEL};
-    EXPECT_EQ(Vnt_MsgBox("ynA", nullptr, nullptr, false), 7) << "closing a Yes/No box is No";
-    box.plainAnswers = {0};
-    EXPECT_EQ(Vnt_MsgBox("okA", nullptr, nullptr, false), -1);
-}
-
-// ---------------------------------------------------------------------------
-// Copy and editor
-// ---------------------------------------------------------------------------
-
-TEST_F(MsgBox, CopyPutsTextAndDetailsOnTheClipboard) {
-    startMessages();
-    VntBoxModel m = Vnt_MsgBoxModel("!okZeile 1\nZeile 2");
-    m.details = "Datei: x.cpp";
-    EXPECT_TRUE(Vnt_MsgBoxCopy(m));
-    EXPECT_EQ(win.clipboard, "Zeile 1\nZeile 2\n\nDatei: x.cpp");
-    EXPECT_EQ(win.busy, "+-");
-    EXPECT_GE(win.pumps, 1);
+    box.plainAnswers = {VNT_BTN_NO, VNT_BTN_YES, VNT_BTN_CANCEL, 0};
+    EXPECT_EQ(Vnt_MsgBox("?ynWeiter mit %d von %s?", 5, "7"), 7);
+    EXPECT_EQ(std::tie(box.plainShown.back().text, box.plainShown.back().title), std::make_tuple("Weiter mit 5 von 7?", "Fibu"))
+        << "the box title fills the empty application title";
+    EXPECT_EQ(plainWithArgs(false, "!ynSoll %s %d?", "Zeile", 12), 1);
+    EXPECT_EQ(box.plainShown.back().text, "Soll Zeile 12?");
+    EXPECT_EQ(plainWithArgs(false, "yn%s", std::string(3000, 'a').c_str()), 7) << "closing a Yes/No box is No";
+    EXPECT_EQ(box.plainShown.back().text, std::string(1023, 'a'));
+    EXPECT_EQ(Vnt_MsgBox("okA", nullptr, nullptr, false), -1) << "no box";
+    Vnt_MsgBoxAppTitle("Buchhaltung");
+    EXPECT_EQ(Vnt_MsgBox("Text", nullptr, nullptr, false), 1);
+    EXPECT_EQ(box.plainShown.back().title, "Buchhaltung");
+    EXPECT_EQ(std::string(Vnt_MsgBoxAppTitle(std::string(200, 't').c_str())), std::string(119, 't'));
 }
 
 fs::path editorOut;
 
-TEST_F(MsgBox, EditorGetsTheTextInATemporaryFile) {
+TEST_F(MsgBox, CopyAndEditorGetTheWholeTextAndTheDetails) {
     startMessages();
-    // A desktop opener that copies the file it is given.
+    const std::string text = "Fehler \xE4 1" + std::string(20, '\n') + "Zeile 21";
+    VntBoxModel m = Vnt_MsgBoxModel(("#" + text).c_str());
+    m.details = "Datei: x.cpp";
+    EXPECT_TRUE(Vnt_MsgBoxCopy(m));
+    EXPECT_EQ(win.clipboard, text + "\n\nDatei: x.cpp") << "all lines, not only the fifteen shown";
+    // A desktop opener that copies the file it is given; events are pumped
+    // while the editor reads: wait there until it has.
     const fs::path bin = base_ / "bin";
-    editorOut = base_ / "opened.txt";
-    put(bin / "xdg-open", "#!/bin/sh\ncp \"$1\" \"" + editorOut.string() + ".part\" && mv \"" + editorOut.string() +
-                              ".part\" \"" + editorOut.string() + "\"\n");
+    const std::string out = (editorOut = base_ / "opened.txt").string();
+    put(bin / "xdg-open", "#!/bin/sh\ncp \"$1\" \"" + out + ".part\" && mv \"" + out + ".part\" \"" + out + "\"\n");
     fs::permissions(bin / "xdg-open", fs::perms::owner_all);
-    const char* oldPath = std::getenv("PATH");
-    const std::string savedPath = oldPath ? oldPath : "";
+    const std::string savedPath = std::getenv("PATH") ? std::getenv("PATH") : "";
     ::setenv("PATH", (bin.string() + ":/usr/bin:/bin").c_str(), 1);
-    // Events are pumped while the editor reads: wait there until it has.
     win.onPump = [] {
         for (int i = 0; i < 1000 && !fs::exists(editorOut); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
     };
-    VntBoxModel m = Vnt_MsgBoxModel("#Fehler \xE4 1");
-    m.details = "Zeile: 3";
     EXPECT_TRUE(Vnt_MsgBoxEdit(m));
-    EXPECT_EQ(slurp(editorOut), "Fehler \xE4 1\n\nZeile: 3");
-    EXPECT_TRUE(fs::is_directory(base_ / "prog" / "TEMP"));
+    EXPECT_EQ(slurp(editorOut), text + "\n\nDatei: x.cpp");
     EXPECT_FALSE(fs::exists(base_ / "prog" / "TEMP" / "VantoErr.tmp")) << "removed after the wait";
-    EXPECT_EQ(win.busy, "+-");
-
+    EXPECT_EQ(win.busy, "+-+-");
     // Without an opener: false, and no file stays behind.
     ::setenv("PATH", (base_ / "prog").c_str(), 1);
     win.onPump = nullptr;
     EXPECT_FALSE(Vnt_MsgBoxEdit(m));
+    EXPECT_TRUE(fs::is_directory(base_ / "prog" / "TEMP"));
     EXPECT_FALSE(fs::exists(base_ / "prog" / "TEMP" / "VantoErr.tmp"));
     ::setenv("PATH", savedPath.c_str(), 1);
 }
