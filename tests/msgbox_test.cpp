@@ -228,6 +228,19 @@ TEST_F(MsgBox, AnswersMapToOkCancelAndNo) {
     EXPECT_EQ(box.shown.back().level, 1) << "the level was given back";
 }
 
+TEST_F(MsgBox, CaptionsFollowTheLanguage) {
+    auto captions = [](const VntBoxModel& m) {
+        std::string all;
+        for (const VntBoxButton& b : m.buttons) all += b.caption + "|";
+        return all + m.checkboxCaption;
+    };
+    EXPECT_EQ(captions(Vnt_MsgBoxModel("?xyncFrage")), "&Ja|&Nein|&Abbrechen|Diese Meldung k\xFCnftig &nicht mehr anzeigen.");
+    Vnt_ResSetLanguage("ENU");
+    EXPECT_EQ(captions(Vnt_MsgBoxModel("?xyncQuestion")), "&Yes|&No|&Cancel|Do &not show this message again.");
+    EXPECT_EQ(captions(Vnt_MsgBoxModel("ariText")), "&Retry|&Ignore|&Abort|");
+    Vnt_ResSetLanguage("DEU");
+}
+
 VNT_RESP innerAnswer = 0, thirdAnswer = 0;
 
 TEST_F(MsgBox, SecondBoxNestsAndThirdFallsBackToThePlainBox) {

@@ -196,9 +196,12 @@ VANTO_API VNT_HINSTANCE Vnt_ResLibInstance();
 /// Loads string `id` of `module` into buf (at most size - 1 characters); false
 /// when there is none.
 VANTO_API bool Vnt_ResLoadString(VNT_HINSTANCE module, long id, char* buf, unsigned size);
-/// Language of the library's own strings: "DEU" (the default) or "ENU";
-/// any text beginning with "EN" (either case) is English, every other German.
+/// Language of the library's own strings and box captions: "DEU" (the
+/// default) or "ENU"; any text beginning with "EN" (either case) is English,
+/// every other German.
 VANTO_API void Vnt_ResSetLanguage(const char* lang);
+/// The language in use: "DEU" or "ENU".
+VANTO_API const char* Vnt_ResLanguage();
 
 /// Resource strings of a module, with the same ID-or-text convention as
 /// messages: an ID outside 1..65535 is a literal text.

@@ -10,18 +10,18 @@
 namespace vnt::msg::box {
 namespace {
 
-// Captions of dialog 30061.
-constexpr const char* kCapOk = "&OK";
-constexpr const char* kCapYes = "&Ja";
-constexpr const char* kCapRetry = "&Wiederholen";
-constexpr const char* kCapNo = "&Nein";
-constexpr const char* kCapIgnore = "&Ignorieren";
-constexpr const char* kCapCancel = "&Abbrechen";
-constexpr const char* kCapAbort = "&Abbrechen";
-constexpr const char* kCapSupport = "&Support";
-constexpr const char* kCapHelp = "&Hilfe";
-// Windows-1252.
-constexpr const char* kCheckboxCaption = "Diese Meldung k\xFC" "nftig &nicht mehr anzeigen.";
+// Captions of dialog 30061, German as they stand in the resource, and
+// English. Windows-1252.
+struct Captions {
+    const char *ok, *yes, *retry, *no, *ignore, *cancel, *abort, *support, *help, *checkbox;
+};
+constexpr Captions kGerman = {"&OK", "&Ja", "&Wiederholen", "&Nein", "&Ignorieren", "&Abbrechen",
+                              "&Abbrechen", "&Support", "&Hilfe",
+                              "Diese Meldung k\xFC" "nftig &nicht mehr anzeigen."};
+constexpr Captions kEnglish = {"&OK", "&Yes", "&Retry", "&No", "&Ignore", "&Cancel",
+                               "&Abort", "&Support", "&Help", "Do &not show this message again."};
+
+const Captions& cap() { return Vnt_ResLanguage()[0] == 'E' ? kEnglish : kGerman; }
 
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
@@ -88,12 +88,12 @@ std::string labelCaption(std::string_view label) {
 
 void addButtons(long buttons, std::vector<VntBoxButton>& out) {
     switch (buttons) {
-        case 1: out = {{VNT_BTN_OK, kCapOk}, {VNT_BTN_CANCEL, kCapCancel}}; break;
-        case 2: out = {{VNT_BTN_RETRY, kCapRetry}, {VNT_BTN_IGNORE, kCapIgnore}, {VNT_BTN_ABORT, kCapAbort}}; break;
-        case 3: out = {{VNT_BTN_YES, kCapYes}, {VNT_BTN_NO, kCapNo}, {VNT_BTN_CANCEL, kCapCancel}}; break;
-        case 4: out = {{VNT_BTN_YES, kCapYes}, {VNT_BTN_NO, kCapNo}}; break;
-        case 5: out = {{VNT_BTN_RETRY, kCapRetry}, {VNT_BTN_CANCEL, kCapCancel}}; break;
-        default: out = {{VNT_BTN_OK, kCapOk}}; break;
+        case 1: out = {{VNT_BTN_OK, cap().ok}, {VNT_BTN_CANCEL, cap().cancel}}; break;
+        case 2: out = {{VNT_BTN_RETRY, cap().retry}, {VNT_BTN_IGNORE, cap().ignore}, {VNT_BTN_ABORT, cap().abort}}; break;
+        case 3: out = {{VNT_BTN_YES, cap().yes}, {VNT_BTN_NO, cap().no}, {VNT_BTN_CANCEL, cap().cancel}}; break;
+        case 4: out = {{VNT_BTN_YES, cap().yes}, {VNT_BTN_NO, cap().no}}; break;
+        case 5: out = {{VNT_BTN_RETRY, cap().retry}, {VNT_BTN_CANCEL, cap().cancel}}; break;
+        default: out = {{VNT_BTN_OK, cap().ok}}; break;
     }
 }
 
@@ -268,7 +268,7 @@ VntBoxModel Vnt_MsgBoxModel(const char* text, bool internalError, bool detailsMo
         captions = {{VNT_BTN_YES, pre.labels[0]}, {VNT_BTN_NO, pre.labels[1]}};
     } else if (nLabels == 1 && (pre.icon == VNT_ICON_QUESTION || pre.icon == VNT_ICON_EXCLAMATION)) {
         buttons = 4;
-        captions = {{VNT_BTN_YES, pre.labels[0]}, {VNT_BTN_NO, kCapCancel}};
+        captions = {{VNT_BTN_YES, pre.labels[0]}, {VNT_BTN_NO, cap().cancel}};
     } else if (nLabels == 1) {
         buttons = 0;
         captions = {{VNT_BTN_OK, pre.labels[0]}};
@@ -283,14 +283,14 @@ VntBoxModel Vnt_MsgBoxModel(const char* text, bool internalError, bool detailsMo
     if (buttons > 5) buttons = 0;
 
     if (internalError) {
-        m.buttons = {{VNT_BTN_OK, kCapOk}, {VNT_BTN_SUPPORT, kCapSupport}};
+        m.buttons = {{VNT_BTN_OK, cap().ok}, {VNT_BTN_SUPPORT, cap().support}};
     } else if (detailsMode) {
-        m.buttons = {{VNT_BTN_OK, kCapOk}};
+        m.buttons = {{VNT_BTN_OK, cap().ok}};
     } else {
         addButtons(buttons, m.buttons);
         for (const auto& [id, caption] : captions) setCaption(m.buttons, id, caption);
     }
-    if (help) m.buttons.push_back({VNT_BTN_HELP, kCapHelp});
+    if (help) m.buttons.push_back({VNT_BTN_HELP, cap().help});
     m.type = buttons | bitsOfIcon(m.icon) | (help ? 16384 : 0);
     m.escapeButton = (buttons == 4 && !internalError && !detailsMode) ? VNT_BTN_NO : VNT_BTN_CANCEL;
 
@@ -298,7 +298,7 @@ VntBoxModel Vnt_MsgBoxModel(const char* text, bool internalError, bool detailsMo
     m.checkbox = pre.checkbox && !internalError && !detailsMode;
     m.checkboxBelow = pre.checkboxBelow;
     m.checkboxLeft = pre.checkboxLeft;
-    if (m.checkbox) m.checkboxCaption = kCheckboxCaption;
+    if (m.checkbox) m.checkboxCaption = cap().checkbox;
 
     // The caller's help context is the message's own; the text's help part
     // serves when there is none.

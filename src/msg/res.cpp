@@ -71,6 +71,8 @@ void Vnt_ResSetLanguage(const char* lang) {
     textState().english = lang && (lang[0] == 'E' || lang[0] == 'e') && (lang[1] == 'N' || lang[1] == 'n');
 }
 
+const char* Vnt_ResLanguage() { return textState().english ? "ENU" : "DEU"; }
+
 VntRes::VntRes() : buf{}, title_{}, fmt_{} {}
 
 void VntRes::setup(VNT_HINSTANCE inst, VNT_HWND win) {

@@ -87,7 +87,8 @@ int ask(const std::string& title, int icon, const std::vector<std::string>& line
         const std::string& checkbox) {
     std::string out = "\n== " + Vnt_TxtToUtf8(title) + " ==\n";
     for (std::size_t i = 0; i < lines.size(); ++i)
-        out += (i == 0 ? iconWord(icon) : std::string(icon ? 4 : 0, ' ')) + Vnt_TxtToUtf8(lines[i]) + "\n";
+        out += lines[i].empty() ? std::string("\n")
+                                : (i == 0 ? iconWord(icon) : std::string(icon ? 4 : 0, ' ')) + Vnt_TxtToUtf8(lines[i]) + "\n";
     if (!checkbox.empty()) out += "[ ] " + plainCaption(checkbox) + "\n";
     bool onlyOk = true;
     for (std::size_t i = 0; i < buttons.size(); ++i) {
@@ -98,9 +99,11 @@ int ask(const std::string& title, int icon, const std::vector<std::string>& line
     out += "\n";
     if (!vnt::host::interactiveTerminal()) {
         int answer = onlyOk ? VNT_BTN_OK : closeAnswer;
+        std::string caption = "?";
         for (const VntBoxButton& b : buttons)
-            if (b.id == answer) out += "(no terminal: answered " + plainCaption(b.caption) + ")\n";
-        if (answer == closeAnswer && !onlyOk) out += "(no terminal: closed the box)\n";
+            if (b.id == answer) caption = plainCaption(b.caption);
+        out += onlyOk ? "(no terminal: answered " + caption + ")\n"
+                      : "(no terminal: closed the box, answer " + caption + ")\n";
         vnt::host::writeStderr(out);
         return answer;
     }
