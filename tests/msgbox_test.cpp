@@ -55,27 +55,17 @@ std::string summary(const VntBoxModel& m) {
 }
 
 // A window system that remembers the focus, busy cursor and clipboard.
-class TestWindows final : public VntWindowPort {
+class TestWindows final : public VntHeadlessWindowPort {
 public:
-    long Send(VNT_HWND, unsigned, uintptr_t, intptr_t) override { return 0; }
-    bool Post(VNT_HWND, unsigned, uintptr_t, intptr_t) override { return false; }
-    bool IsWindow(VNT_HWND) override { return false; }
-    void Destroy(VNT_HWND) override {}
-    void Activate(VNT_HWND) override {}
     VNT_HWND Focus() override { return focus; }
     void SetFocus(VNT_HWND w) override { focusSet.push_back(w); }
-    VNT_HWND ActiveWindow() override { return nullptr; }
-    VNT_HWND MainWindow() override { return nullptr; }
     void PumpEvents() override { if (onPump) onPump(); }
     void BusyCursor(bool on) override { busy += on ? "+" : "-"; }
-    void Beep() override {}
-    bool SetClipboardText(const std::string& text) override { clipboard = text; return true; }
-    std::string ClipboardText() override { return clipboard; }
 
     VNT_HWND focus = nullptr;
     std::vector<VNT_HWND> focusSet;
     void (*onPump)() = nullptr;
-    std::string busy, clipboard;
+    std::string busy;
 };
 
 class MsgBox : public ::testing::Test {

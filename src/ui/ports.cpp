@@ -13,33 +13,8 @@ VntMsgPresenter::~VntMsgPresenter() = default;
 
 namespace {
 
-// No windows at all: messages go nowhere, the clipboard is the process's own.
-class HeadlessWindows final : public VntWindowPort {
-public:
-    long Send(VNT_HWND, unsigned, uintptr_t, intptr_t) override { return 0; }
-    bool Post(VNT_HWND, unsigned, uintptr_t, intptr_t) override { return false; }
-    bool IsWindow(VNT_HWND) override { return false; }
-    void Destroy(VNT_HWND) override {}
-    void Activate(VNT_HWND) override {}
-    VNT_HWND Focus() override { return nullptr; }
-    void SetFocus(VNT_HWND) override {}
-    VNT_HWND ActiveWindow() override { return nullptr; }
-    VNT_HWND MainWindow() override { return nullptr; }
-    void PumpEvents() override {}
-    void BusyCursor(bool) override {}
-    void Beep() override {}
-    bool SetClipboardText(const std::string& text) override {
-        clipboard_ = text;
-        return true;
-    }
-    std::string ClipboardText() override { return clipboard_; }
-
-private:
-    std::string clipboard_;
-};
-
 struct Ports {
-    HeadlessWindows headless;
+    VntHeadlessWindowPort headless;
     VntConsolePresenter console;
     VntWindowPort* window = &headless;
     VntMsgPresenter* presenter = &console;

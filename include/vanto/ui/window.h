@@ -35,6 +35,32 @@ public:
     virtual std::string ClipboardText() = 0;
 };
 
+/// A window system without windows: messages go nowhere, no window has the
+/// focus, the clipboard is the process's own. The default port; tests derive
+/// from it to watch what the core asks.
+class VANTO_API VntHeadlessWindowPort : public VntWindowPort {
+public:
+    long Send(VNT_HWND, unsigned, uintptr_t, intptr_t) override { return 0; }
+    bool Post(VNT_HWND, unsigned, uintptr_t, intptr_t) override { return false; }
+    bool IsWindow(VNT_HWND) override { return false; }
+    void Destroy(VNT_HWND) override {}
+    void Activate(VNT_HWND) override {}
+    VNT_HWND Focus() override { return nullptr; }
+    void SetFocus(VNT_HWND) override {}
+    VNT_HWND ActiveWindow() override { return nullptr; }
+    VNT_HWND MainWindow() override { return nullptr; }
+    void PumpEvents() override {}
+    void BusyCursor(bool) override {}
+    void Beep() override {}
+    bool SetClipboardText(const std::string& text) override {
+        clipboard = text;
+        return true;
+    }
+    std::string ClipboardText() override { return clipboard; }
+
+    std::string clipboard;  ///< what the clipboard holds
+};
+
 /// The port in use (never null: the headless one until another is installed).
 VANTO_API VntWindowPort& Vnt_UiWindow();
 /// Installs a port (null: the headless one again); returns the previous one.
