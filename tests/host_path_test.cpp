@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <cstring>
 #include <string>
 
 #include "host/host.h"
@@ -205,6 +206,27 @@ TEST_F(HostTest, PublicConversionBounds) {
     VNT_PATH lib;
     ASSERT_TRUE(Vnt_LfnFromHost(lib, big));
     EXPECT_STREQ(lib, "T:\\Daten");
+}
+
+}  // namespace
+
+namespace {
+
+TEST(ProgramNames, FileDirectoryAndName) {
+    reset();
+    char buf[VNT_MAX_PATH];
+    ASSERT_TRUE(Vnt_LfnProgName(buf, sizeof buf));  // the running test program itself
+    EXPECT_STREQ(buf, "vanto_tests");
+    setProgramFile("Z:\\opt\\acme\\Fibu.exe");
+    const struct { bool (*fn)(char*, std::size_t, VNT_HINSTANCE); const char* expected; } rows[] = {
+        {Vnt_LfnProgFileName, "Z:\\opt\\acme\\Fibu.exe"}, {Vnt_LfnProgDirName, "Z:\\opt\\acme"}, {Vnt_LfnProgName, "Fibu.exe"}};
+    for (const auto& r : rows) {
+        ASSERT_TRUE(r.fn(buf, sizeof buf, nullptr)) << r.expected;
+        EXPECT_STREQ(buf, r.expected);
+        EXPECT_FALSE(r.fn(buf, std::strlen(r.expected), nullptr)) << "one character short: " << r.expected;
+        EXPECT_FALSE(r.fn(buf, sizeof buf, reinterpret_cast<VNT_HINSTANCE>(8))) << "modules have no file yet";
+    }
+    reset();
 }
 
 }  // namespace
