@@ -1,5 +1,5 @@
-// Private: the smallest profile read and write the message box needs for its
-// memory of switched-off messages ("Msg.ini"), until the INI engine serves it.
+// Private: the message box's memory of switched-off messages ("Msg.ini"),
+// kept through the profile functions.
 #pragma once
 
 #include <string>
@@ -12,11 +12,12 @@ namespace vnt::msg::ini {
 ///   "[msg]\r\n APPMSG.7 = 0 \r\n", ("Msg", "appmsg.7") => true, "0"
 bool read(const char* file, const char* section, const char* key, std::string& value);
 
-/// Writes `key`=`value` into `section`: replaces the key's line, or appends
-/// it after the section's last line, or appends the section at the end of the
-/// file. Every line ends in CR LF. The file's directory is created; the file
-/// is replaced through a temporary file. False when a name holds a line end
-/// (or the key a '=', the section a ']'), or the file cannot be written.
+/// Writes `key`=`value` (the value trimmed) into `section` through the
+/// profile functions: replaces the key's line, or adds it after the section's
+/// last entry, or adds the section at the end of the file. Every line ends in
+/// CR LF. The file's directory is created; the file is replaced through a
+/// temporary file. False when a name holds a line end (or the key a '=', the
+/// section a ']'), or the file cannot be written.
 bool write(const char* file, const char* section, const char* key, const char* value);
 
 /// The switched-off messages' file: the user directory, which is the

@@ -3,6 +3,7 @@
 #include "host/host.h"
 #include "vanto/ui/window.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -48,14 +49,33 @@ bool isHostDir(const std::string& host) {
     return ::stat(host.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
 }
 
-bool writeAll(int fd, const std::string& data) {
+// Free space the next atomic write is to find; negative = as much as the
+// disk has. One-shot, so no test leaves it behind for the next.
+long& diskFullLeft() {
+    static long left = -1;
+    return left;
+}
+
+/*
+ * Writes the whole buffer. `spaceLeft` >= 0 simulates a full disk: that many
+ * bytes go out, then the write fails with ENOSPC as a real one would.
+ */
+bool writeAll(int fd, const std::string& data, long spaceLeft = -1) {
     std::size_t done = 0;
     while (done < data.size()) {
         if (faultHit(Op::Write)) {
             errno = EIO;
             return false;
         }
-        ssize_t r = ::write(fd, data.data() + done, data.size() - done);
+        std::size_t want = data.size() - done;
+        if (spaceLeft >= 0) {
+            if (static_cast<std::size_t>(spaceLeft) <= done) {
+                errno = ENOSPC;
+                return false;
+            }
+            want = std::min(want, static_cast<std::size_t>(spaceLeft) - done);
+        }
+        ssize_t r = ::write(fd, data.data() + done, want);
         if (r < 0 && errno == EINTR) continue;
         if (r <= 0) {
             if (r == 0) errno = EIO;
@@ -139,6 +159,8 @@ bool writeFileAtomic(const char* libPath, const std::string& data) {
         errno = EISDIR;
         return false;
     }
+    const long spaceLeft = diskFullLeft();
+    diskFullLeft() = -1;
     static unsigned counter = 0;
     std::string tmp;
     int fd = -1;
@@ -156,7 +178,7 @@ bool writeFileAtomic(const char* libPath, const std::string& data) {
     if (fd < 0) return false;
     struct stat st;
     if (::stat(host.c_str(), &st) == 0 && S_ISREG(st.st_mode)) ::fchmod(fd, st.st_mode & 07777);
-    bool ok = writeAll(fd, data) && ::fsync(fd) == 0;
+    bool ok = writeAll(fd, data, spaceLeft) && ::fsync(fd) == 0;
     int e = errno;
     if (::close(fd) != 0 && ok) {
         ok = false;
@@ -176,6 +198,8 @@ bool writeFileAtomic(const char* libPath, const std::string& data) {
     }
     return ok;
 }
+
+void faultDiskFull(long bytesLeft) { diskFullLeft() = bytesLeft < 0 ? -1 : bytesLeft; }
 
 bool makeDir(const char* libPath) {
     std::string host;

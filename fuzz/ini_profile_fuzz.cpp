@@ -1,0 +1,97 @@
+// Fuzz target: arbitrary bytes as an INI file for the profile functions:
+// the section and key lists and a few reads, then a key written into the
+// first section and read back, from the cache and after a flush from disk.
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+
+#include "ini/profile.h"
+#include "vanto/ini.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// The input file (under /dev/shm when there is one), written for each input.
+struct InputFile {
+    fs::path dir;
+    fs::path host;
+    std::string lib;
+    InputFile() {
+        fs::path base = fs::exists("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path();
+        dir = base / ("vanto_ini_fuzz_" + std::to_string(std::random_device{}()));
+        fs::create_directories(dir);
+        host = dir / "Fuzz.ini";
+        lib = "Z:" + host.string();
+        for (char& c : lib)
+            if (c == '/') c = '\\';
+    }
+    ~InputFile() {
+        std::error_code ec;
+        fs::remove_all(dir, ec);
+    }
+};
+
+std::string list(const char* section, const char* file) {
+    static char buf[1 << 16];
+    unsigned long n = Vnt_ProfileGetString(section, nullptr, "", buf, sizeof buf, file);
+    return std::string(buf, n);
+}
+
+std::string get(const char* section, const char* key, const char* file) {
+    char buf[256];
+    unsigned long n = Vnt_ProfileGetString(section, key, "\n", buf, sizeof buf, file);
+    return std::string(buf, n);
+}
+
+[[noreturn]] void fail(const char* what) {
+    std::fprintf(stderr, "ini_profile_fuzz: %s\n", what);
+    std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static InputFile in;
+    const char* file = in.lib.c_str();
+    std::ofstream(in.host, std::ios::binary | std::ios::trunc).write(reinterpret_cast<const char*>(data),
+                                                                     static_cast<std::streamsize>(size));
+    // Half the inputs are noticed through the change notification only.
+    if (size & 1) Vnt_ProfileFlush(file);
+
+    const std::string sections = list(nullptr, file);
+    const std::string first = sections.substr(0, sections.find('\0'));
+    const std::string keys = list(first.c_str(), file);
+    const std::string key = keys.substr(0, keys.find('\0'));
+    get(first.c_str(), key.c_str(), file);
+    get(first.c_str(), "a", file);
+    Vnt_ProfileGetInt(first.c_str(), key.c_str(), 0, file);
+    // Small buffers cut lists and values without writing behind them.
+    char tiny[3];
+    Vnt_ProfileGetString(nullptr, nullptr, "", tiny, sizeof tiny, file);
+    Vnt_ProfileGetString(first.c_str(), key.c_str(), "def", tiny, sizeof tiny, file);
+
+    // Written into the first section (a new one when its name cannot be
+    // written), read back from the cache and from disk.
+    const char* sec = first.empty() || first.find_first_of("\r\n]") != std::string::npos ? "Fz" : first.c_str();
+    const bool ok = Vnt_ProfileWriteString(sec, "FuzzKey", "v 1", file);
+    if (std::string(sec).find_first_not_of(" \t") == std::string::npos) {
+        if (ok) fail("blank section accepted");
+        return 0;
+    }
+    if (!ok) fail("write failed");
+    if (get(sec, "fuzzkey", file) != "v 1") fail("written value not read from the cache");
+    const std::string cached = list(nullptr, file);
+    Vnt_ProfileFlush(file);
+    if (get(sec, "FUZZKEY", file) != "v 1") fail("written value not read from disk");
+    if (list(nullptr, file) != cached) fail("cache and disk disagree on the sections");
+    if (!Vnt_ProfileWriteString(sec, "FuzzKey", nullptr, file)) fail("delete failed");
+    if (get(sec, "FuzzKey", file) == "v 1") fail("deleted key still read");
+    return 0;
+}

@@ -1,0 +1,434 @@
+// The profile functions: INI entries read from a cache of parsed files and
+// written by replacing the whole file.
+#include "ini/profile.h"
+
+#include <cerrno>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "base/strbuf.h"
+#include "host/host.h"
+#include "vanto/ini.h"
+#include "vanto/text.h"
+
+namespace vnt::ini {
+namespace {
+
+std::string_view trim(std::string_view s) {
+    while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
+    while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
+    return s;
+}
+
+// The form names are compared in: upper case in the library's character set.
+std::string upper(std::string_view s) {
+    std::string out(s.size(), '\0');
+    for (std::size_t i = 0; i < s.size(); ++i)
+        out[i] = static_cast<char>(Vnt_TxtUpper(static_cast<unsigned char>(s[i])));
+    return out;
+}
+
+bool sameName(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (Vnt_TxtUpper(static_cast<unsigned char>(a[i])) != Vnt_TxtUpper(static_cast<unsigned char>(b[i])))
+            return false;
+    return true;
+}
+
+enum class Kind { Blank, Comment, Header, Entry, Other };
+
+struct LineInfo {
+    Kind kind;
+    std::string_view name;   // section of a header, key of an entry (trimmed)
+    std::string_view value;  // value of an entry (trimmed, quotes still on)
+};
+
+/*
+ * What a line is. A header's name runs to its first "]" (or the line's end)
+ * and is trimmed, as the platform's profile functions read it; an entry is
+ * split at its first "=".
+ */
+LineInfo classify(std::string_view line) {
+    std::string_view t = trim(line);
+    if (t.empty()) return {Kind::Blank, {}, {}};
+    if (t.front() == ';') return {Kind::Comment, {}, {}};
+    if (t.front() == '[') {
+        std::size_t close = t.find(']', 1);
+        return {Kind::Header, trim(t.substr(1, close == std::string_view::npos ? close : close - 1)), {}};
+    }
+    std::size_t eq = t.find('=');
+    if (eq == std::string_view::npos) return {Kind::Other, {}, {}};
+    return {Kind::Entry, trim(t.substr(0, eq)), trim(t.substr(eq + 1))};
+}
+
+// A value in matching outer quotes is delivered without them.
+std::string_view unquote(std::string_view v) {
+    if (v.size() >= 2 && (v.front() == '"' || v.front() == '\'') && v.back() == v.front())
+        return v.substr(1, v.size() - 2);
+    return v;
+}
+
+// Splits at CR LF, LF or a lone CR; a last line without an end counts.
+std::vector<std::string> splitLines(const std::string& data) {
+    std::vector<std::string> lines;
+    std::size_t start = 0;
+    while (start < data.size()) {
+        std::size_t end = data.find_first_of("\r\n", start);
+        if (end == std::string::npos) {
+            lines.emplace_back(data, start);
+            break;
+        }
+        lines.emplace_back(data, start, end - start);
+        start = end + (data[end] == '\r' && end + 1 < data.size() && data[end + 1] == '\n' ? 2 : 1);
+    }
+    return lines;
+}
+
+// A parsed file: its lines, and an index of the first section of each name
+// and the first line of each key in it.
+struct Doc {
+    struct Section {
+        std::string_view name;                            // as spelled (points into lines)
+        std::unordered_map<std::string, std::size_t> keys;  // upper key -> line
+        std::vector<std::size_t> keyLines;                // first line of each key, in order
+    };
+    std::vector<std::string> lines;
+    std::vector<Section> sections;  // one per name, in the file's order
+    std::unordered_map<std::string, std::size_t> byName;
+
+    /*
+     * Rebuilds the index. Entries before the first header, and the lines of
+     * a repeated section, cannot be reached by a read: the first match wins.
+     */
+    void index() {
+        sections.clear();
+        byName.clear();
+        Section* cur = nullptr;
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            LineInfo li = classify(lines[i]);
+            if (li.kind == Kind::Header) {
+                auto [it, fresh] = byName.emplace(upper(li.name), sections.size());
+                cur = nullptr;
+                if (fresh) {
+                    sections.push_back({li.name, {}, {}});
+                    cur = &sections.back();
+                }
+            } else if (li.kind == Kind::Entry && cur != nullptr) {
+                if (cur->keys.emplace(upper(li.name), i).second) cur->keyLines.push_back(i);
+            }
+        }
+    }
+
+    const Section* find(std::string_view section) const {
+        auto it = byName.find(upper(trim(section)));
+        return it == byName.end() ? nullptr : &sections[it->second];
+    }
+
+    // The trimmed value of the key, quotes still on; false when missing.
+    bool value(std::string_view section, std::string_view key, std::string_view& out) const {
+        const Section* s = find(section);
+        if (s == nullptr) return false;
+        auto it = s->keys.find(upper(trim(key)));
+        if (it == s->keys.end()) return false;
+        out = classify(lines[it->second]).value;
+        return true;
+    }
+};
+
+// One cached file, under the library path it was asked for by.
+struct Cached {
+    std::string host;   // the host path it resolved to
+    std::string base;   // its last component, to match notifications
+    int watch = 0;      // watch id of its directory; 0 = compare stamps
+    bool stale = true;  // must be read again
+    host::FileStamp stamp;
+    Doc doc;
+};
+
+struct ProfileState {
+    std::unordered_map<std::string, std::unique_ptr<Cached>> files;
+    Cached* last = nullptr;  // the file asked for last, found without building a key
+    std::string lastName;
+    bool notify = true;
+    unsigned long loads = 0;
+};
+
+ProfileState& state() {
+    static ProfileState s;
+    return s;
+}
+
+// Marks the files a notification concerns as to be read again.
+void onWatchEvent(const host::WatchEvent& ev, void*) {
+    for (auto& [lib, c] : state().files) {
+        if (ev.overflow || (c->watch != 0 && c->watch == ev.id && (ev.gone || sameName(ev.name, c->base)))) {
+            c->stale = true;
+            if (ev.gone) c->watch = 0;
+        }
+    }
+}
+
+// Only names that cannot change their meaning with the current directory
+// are cached: "X:\...".
+bool cacheable(const char* file) {
+    return file[0] != '\0' && file[1] == ':' && file[2] == '\\';
+}
+
+/*
+ * Reads and parses the file. The directory is watched before the file is
+ * read, so a change made while reading is not missed. A missing file is an
+ * empty one; any other failure leaves the host's error set.
+ */
+bool load(Cached& c, const char* file) {
+    ProfileState& st = state();
+    std::string hostPath;
+    if (!host::toHost(file, hostPath)) {
+        host::setLastError(ENOENT);
+        return false;
+    }
+    c.host = hostPath;
+    std::size_t slash = hostPath.rfind('/');
+    c.base = slash == std::string::npos ? hostPath : hostPath.substr(slash + 1);
+    c.watch = 0;
+    if (st.notify && cacheable(file))
+        c.watch = host::watchDir(slash == std::string::npos ? "." : slash == 0 ? "/" : hostPath.substr(0, slash));
+    if (c.watch == 0) c.stamp = host::fileStamp(hostPath);
+    std::string data;
+    bool missing = false;
+    if (!host::readFile(file, data, &missing) && !missing) {
+        c.stale = true;
+        return false;
+    }
+    c.doc.lines = splitLines(data);
+    c.doc.index();
+    c.stale = false;
+    ++st.loads;
+    return true;
+}
+
+/*
+ * The parsed file, up to date: pending notifications are taken in first;
+ * without a watch, the file's stamp decides. `scratch` holds a file that is
+ * not cached. Null when the file exists but cannot be read.
+ */
+Cached* acquire(const char* file, std::unique_ptr<Cached>& scratch) {
+    ProfileState& st = state();
+    host::watchDrain(onWatchEvent, nullptr);
+    Cached* c;
+    if (st.last != nullptr && st.lastName.compare(file) == 0) {
+        c = st.last;
+    } else if (cacheable(file)) {
+        std::unique_ptr<Cached>& slot = st.files[file];
+        if (!slot) slot = std::make_unique<Cached>();
+        c = st.last = slot.get();
+        st.lastName = file;
+    } else {
+        scratch = std::make_unique<Cached>();
+        c = scratch.get();
+    }
+    if (!c->stale && (c->watch != 0 || host::fileStamp(c->host) == c->stamp)) return c;
+    return load(*c, file) ? c : nullptr;
+}
+
+// Copies a NUL-separated list ended by a second NUL, cut as the platform does.
+unsigned long putList(char* buf, unsigned long size, const std::string& list) {
+    if (list.size() + 1 <= size) {
+        copyBounded(buf, size, list);
+        if (list.empty() && size >= 2) copyBounded(buf + 1, 1, "");
+        return static_cast<unsigned long>(list.size());
+    }
+    if (size <= 2) {
+        for (unsigned long i = 0; i < size; ++i) copyBounded(buf + i, 1, "");
+        return 0;
+    }
+    copyBounded(buf, size - 1, list);
+    copyBounded(buf + size - 1, 1, "");
+    return size - 2;
+}
+
+bool hasLineEnd(std::string_view s) { return s.find_first_of("\r\n") != std::string_view::npos; }
+
+/*
+ * Applies one write to the lines; false when nothing changes. Reads see only
+ * the first section of a name, so a changed or deleted key is looked for
+ * there; deleting a section removes every section of that name.
+ */
+bool edit(std::vector<std::string>& lines, std::string_view sec, const char* key, const char* value) {
+    const std::string secU = upper(sec);
+    std::vector<std::pair<std::size_t, std::size_t>> ranges;  // [header, end) of each match
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        LineInfo li = classify(lines[i]);
+        if (li.kind != Kind::Header) continue;
+        if (!ranges.empty() && ranges.back().second == lines.size()) ranges.back().second = i;
+        if (upper(li.name) == secU) ranges.push_back({i, lines.size()});
+    }
+    auto at = [&](std::size_t i) { return lines.begin() + static_cast<std::ptrdiff_t>(i); };
+    if (key == nullptr) {
+        for (auto r = ranges.rbegin(); r != ranges.rend(); ++r) lines.erase(at(r->first), at(r->second));
+        return !ranges.empty();
+    }
+    const std::string_view k = trim(key);
+    const std::string entry = value ? std::string(k) + "=" + value : std::string();
+    if (ranges.empty()) {
+        if (value == nullptr) return false;
+        lines.push_back("[" + std::string(sec) + "]");
+        lines.push_back(entry);
+        return true;
+    }
+    const auto [head, end] = ranges.front();
+    const std::string keyU = upper(k);
+    if (value == nullptr) {
+        bool any = false;
+        for (std::size_t i = end; i-- > head + 1;) {
+            LineInfo li = classify(lines[i]);
+            if (li.kind == Kind::Entry && upper(li.name) == keyU) {
+                lines.erase(at(i));
+                any = true;
+            }
+        }
+        return any;
+    }
+    std::size_t last = head;  // the section's last line that is neither blank nor a comment
+    for (std::size_t i = head + 1; i < end; ++i) {
+        LineInfo li = classify(lines[i]);
+        if (li.kind == Kind::Entry && upper(li.name) == keyU) {
+            if (li.value == value) return false;
+            lines[i] = entry;
+            return true;
+        }
+        if (li.kind == Kind::Entry || li.kind == Kind::Other) last = i;
+    }
+    lines.insert(at(last + 1), entry);
+    return true;
+}
+
+bool lookup(const char* section, const char* key, const char* file, std::string& out) {
+    if (section == nullptr || key == nullptr || file == nullptr) return false;
+    std::unique_ptr<Cached> scratch;
+    Cached* c = acquire(file, scratch);
+    std::string_view v;
+    if (c == nullptr || !c->doc.value(section, key, v)) return false;
+    out.assign(unquote(v));
+    return true;
+}
+
+}  // namespace
+
+void profileReset() {
+    ProfileState& st = state();
+    st.files.clear();
+    st.last = nullptr;
+    st.notify = true;
+    st.loads = 0;
+    host::watchReset();
+}
+
+void profileUseNotify(bool on) {
+    state().notify = on;
+    state().files.clear();
+    state().last = nullptr;
+}
+
+unsigned long profileLoads() { return state().loads; }
+
+}  // namespace vnt::ini
+
+using namespace vnt::ini;
+
+unsigned long Vnt_ProfileGetString(const char* section, const char* key, const char* def, char* buf,
+                                   unsigned long size, const char* file) {
+    if (buf == nullptr || size == 0) return 0;
+    std::unique_ptr<Cached> scratch;
+    Cached* c = file ? acquire(file, scratch) : nullptr;
+    static const Doc kEmpty;
+    const Doc& doc = c ? c->doc : kEmpty;
+    if (section == nullptr || key == nullptr) {
+        std::string list;
+        if (section == nullptr) {
+            for (const Doc::Section& s : doc.sections) list.append(s.name).push_back('\0');
+        } else if (const Doc::Section* s = doc.find(section)) {
+            for (std::size_t i : s->keyLines) list.append(classify(doc.lines[i]).name).push_back('\0');
+        }
+        return putList(buf, size, list);
+    }
+    std::string_view v;
+    if (doc.value(section, key, v)) {
+        v = unquote(v);
+    } else {
+        // Trailing blanks of the default go, as the platform documents.
+        v = def ? std::string_view(def) : std::string_view();
+        while (!v.empty() && v.back() == ' ') v.remove_suffix(1);
+    }
+    return static_cast<unsigned long>(vnt::copyBounded(buf, size, v));
+}
+
+long Vnt_ProfileGetInt(const char* section, const char* key, long def, const char* file) {
+    std::string v;
+    if (!lookup(section, key, file, v) || v.empty()) return def;
+    std::size_t i = 0;
+    bool neg = false;
+    if (v[i] == '+' || v[i] == '-') neg = v[i++] == '-';
+    long n = 0;
+    constexpr long kMax = std::numeric_limits<long>::max();
+    for (; i < v.size() && v[i] >= '0' && v[i] <= '9'; ++i) {
+        int d = v[i] - '0';
+        if (n > (kMax - d) / 10) return neg ? -kMax - 1 : kMax;
+        n = n * 10 + d;
+    }
+    return neg ? -n : n;
+}
+
+/*
+ * Validates the names, applies the change to a copy of the cached lines and
+ * replaces the file with all lines ended in CR LF. The cache takes the new
+ * lines only once the file is replaced; on failure it still holds the old
+ * file, which is untouched on disk.
+ */
+bool Vnt_ProfileWriteString(const char* section, const char* key, const char* value, const char* file) {
+    if (file == nullptr || *file == '\0' || section == nullptr) {
+        vnt::host::setLastError(EINVAL);
+        return false;
+    }
+    const std::string_view sec = trim(section);
+    if (sec.empty() || hasLineEnd(sec) || sec.find(']') != std::string_view::npos ||
+        (key && (trim(key).empty() || hasLineEnd(key) || std::strchr(key, '=') != nullptr)) ||
+        (value && hasLineEnd(value))) {
+        vnt::host::setLastError(EINVAL);
+        return false;
+    }
+    std::unique_ptr<Cached> scratch;
+    Cached* c = acquire(file, scratch);
+    if (c == nullptr) return false;
+    std::vector<std::string> lines = c->doc.lines;
+    if (!edit(lines, sec, key, value)) return true;
+    std::string out;
+    for (const std::string& l : lines) out.append(l).append("\r\n");
+    if (!vnt::host::writeFileAtomic(file, out)) {
+        unsigned long err = vnt::host::lastError();
+        vnt::host::setLastError(err ? err : EIO);
+        return false;
+    }
+    // Our own rename is reported too: take it in before the cache is current.
+    vnt::host::watchDrain(onWatchEvent, nullptr);
+    c->doc.lines = std::move(lines);
+    c->doc.index();
+    c->stale = false;
+    if (c->watch == 0) c->stamp = vnt::host::fileStamp(c->host);
+    return true;
+}
+
+bool Vnt_ProfileFlush(const char* file) {
+    ProfileState& st = state();
+    st.last = nullptr;
+    if (file == nullptr)
+        st.files.clear();
+    else
+        st.files.erase(file);
+    return true;
+}
