@@ -2,6 +2,7 @@
 #pragma once
 
 #include "vanto/base.h"
+#include "vanto/ini.h"
 #include "vanto/lfn.h"
 #include "vanto/msg.h"
 #include "vanto/text.h"
