@@ -25,7 +25,11 @@
 // thread.
 #pragma once
 
+#include <cstdint>
+#include <string>
+
 #include "vanto/base.h"
+#include "vanto/vtm.h"
 
 /// Reads a value, or a list of names, into `buf` of `size` bytes.
 ///  - section and key given: the value, or `def` (null: "") with its
@@ -73,3 +77,177 @@ VANTO_API bool Vnt_ProfileWriteString(const char* section, const char* key, cons
 /// call reads it from disk. Writes are never held back, so there is nothing
 /// to write out; returns true.
 VANTO_API bool Vnt_ProfileFlush(const char* file);
+
+// ---------------------------------------------------------------------------
+// VntIni, the INI file engine, and VntIniX
+// ---------------------------------------------------------------------------
+//
+// One VntIni stands for one INI file and one current section. Entries are
+// read and written through the profile functions above or through
+// an attached application profile; sections are enumerated, read line by
+// line and rewritten through the engine's own line reader. A file whose
+// extension is "vtm" is a message library whose messages are the lines of an
+// INI text: VTM mode, read-only.
+//
+// File model: lines end in "\r\n" or "\n" (written: "\r\n"); a line holds at
+// most 1023 characters, a longer one is delivered in pieces of 1023; lines
+// are trimmed of blanks and tabs before they are looked at; "[" begins a
+// header, which matches a section only when the whole trimmed line equals
+// "[name]" without regard to case ("[Main] ;x" does not match Main); ";"
+// begins a comment. One thread only.
+
+/// Which standard file, and two access marks. -1 in an argument keeps the
+/// current type; -2 goes back to the type's default file and section.
+using VNTINI_TYPE = int32_t;
+inline constexpr VNTINI_TYPE VNTINI_USER = 0x0001;       ///< "User.ini", section "Main"
+inline constexpr VNTINI_TYPE VNTINI_APP = 0x0002;        ///< "App.vtm", section "Settings"
+inline constexpr VNTINI_TYPE VNTINI_DAT = 0x0004;        ///< "Dat.ini", section "Settings"
+inline constexpr VNTINI_TYPE VNTINI_APPRW = 0x0008;      ///< "AppRW.ini", section "Settings"
+inline constexpr VNTINI_TYPE VNTINI_WINDIR = 0x0010;     ///< the system's configuration directory (here: the program directory)
+inline constexpr VNTINI_TYPE VNTINI_ACCESS_RW = 0x0100;  ///< access mark, on at the start
+inline constexpr VNTINI_TYPE VNTINI_ACCESS_RO = 0x0200;  ///< access mark, on for VTM files
+inline constexpr VNTINI_TYPE VNTINI_KEEP = -1;
+inline constexpr VNTINI_TYPE VNTINI_DEFAULT = -2;
+
+/// The application's own profile, which an application may attach to a
+/// VntIni instead of its file.
+class VANTO_API VntAppProfile {
+public:
+    virtual ~VntAppProfile();
+    /// The value of `entry` in `section`, or `def` when there is none.
+    virtual std::string GetProfileString(const char* section, const char* entry, const char* def) = 0;
+    /// Writes the value; a null value deletes the entry. False on failure.
+    virtual bool WriteProfileString(const char* section, const char* entry, const char* value) = 0;
+};
+
+namespace vnt::ini { struct Stream; }
+
+/// An INI file with a current section.
+class VANTO_API VntIni {
+public:
+    /// Selects the file (null: the type's default file) and the section
+    /// (null: the type's default section).
+    VntIni(const char* file = nullptr, const char* section = nullptr, VNTINI_TYPE type = VNTINI_USER);
+    virtual ~VntIni();  ///< Close(true)
+    /// Copies every field. An open file or rewrite is shared with the copy
+    /// (the last holder to close it commits); an open message library is
+    /// not: the copy opens its own when it reads. Assignment closes the
+    /// target's own file first, with commit.
+    VntIni(const VntIni&);
+    VntIni& operator=(const VntIni&);
+
+    // Selection
+    void Setup(const char* file, const char* section, VntAppProfile* app, VNTINI_TYPE type);
+    void SetApp(VntAppProfile* app);
+    void SetFile(const char* file, VNTINI_TYPE type);
+    void SetSection(const char* section, int num = -1);
+    /// "Recent" and 3 => "Recent3" in one static 80-byte buffer; num < 0 => name.
+    static const char* NumEntry(const char* name, int num);
+    const char* File() const { return file_; }
+    const char* Section() const { return section_; }
+    VNTINI_TYPE Type() const { return type_; }
+    bool IsVtm() const { return vtm_; }
+    /// True while a message library is open (VTM mode).
+    bool IsOpenVtm() const { return vtmHandle_ != nullptr; }
+    /// The line buffer: every line read or written and every value read.
+    char* Line() { return line_; }
+
+    // Opening and closing
+    bool Open(const char* file = nullptr, VNTINI_TYPE type = VNTINI_KEEP, bool report = true);
+    /// Ends reading or writing; with `commit` a rewrite replaces the file
+    /// (asking with messages 60500 and 60501 when that fails), without it the
+    /// old file stays untouched.
+    void Close(bool commit = true);
+    void Flush();
+
+    // Entry access
+    int ReadStr(const char* entry, const char* def, char* buf, unsigned size, int num = -1);
+    bool WriteStr(const char* entry, const char* value, int num = -1, bool quote = false,
+                  const char* def = nullptr);
+
+    // Line access
+    bool SectionFind(const char* section);
+    bool SectionFirst(char (*name)[100] = nullptr);
+    bool SectionNext(char (*name)[100] = nullptr);
+    bool ReadStr(char* buf, unsigned size);
+    const char* ReadString(const char* def, char* buf, unsigned size);
+    long CountEntries();
+    bool WriteBuf();
+    bool SectionWriteBegin(const char* section = nullptr);
+    void SectionWriteEnd(bool commit = true);
+    static bool SectionNameMake(char (&name)[100], const char* src);
+    static void SectionNameClean(char* name, char** start = nullptr, unsigned* length = nullptr);
+
+    // Data exchange
+    virtual void DoDataExchange(bool write);
+    void Read();
+    bool Write();
+
+protected:
+    bool ini_open(const char* file, VNTINI_TYPE type, bool report, bool forWriting);
+    bool open_for_writing(const char* file);
+    bool section_find(const char* name, char (*out)[100], bool enumerate, bool fromTop);
+    bool entry_find(const char* entry);
+    int profile_string(const char* entry, const char* def);
+    bool read_buf(bool trim);
+    /// Lets go of both streams; an output is written out, nothing replaced.
+    void release_streams();
+
+    char file_[VNT_MAX_PATH];        ///< full name of the file
+    char section_[100];              ///< current section, bare
+    VNTINI_TYPE type_;               ///< file type and access marks
+    VntAppProfile* app_;             ///< attached application profile, or null
+    char line_[1024];                ///< the line buffer
+    char* tokenCursor_;              ///< current token in line_
+    char tokenSeps_[32];             ///< token separators
+    char* tokenNext_;                ///< where the next token begins, or null
+    vnt::ini::Stream* stream_;       ///< the file read, or the output of a rewrite
+    vnt::ini::Stream* input_;        ///< during a rewrite: the old file
+    char temp_[VNT_MAX_PATH];        ///< the rewrite's temporary file
+    bool vtm_;                       ///< the file is a message library
+    long vtmPos_;                    ///< message the next line read takes (0 first, -1 next)
+    long vtmSection_;                ///< message of the current section's header (-2: none found)
+    long vtmLast_;                   ///< message read last in VTM mode
+    VNT_MSG vtmHandle_;              ///< the open message library in VTM mode
+};
+
+/// VntIni with raw line and whole-section access.
+class VANTO_API VntIniX : public VntIni {
+public:
+    VntIniX(const char* file = nullptr, const char* section = nullptr, VNTINI_TYPE type = VNTINI_USER);
+    ~VntIniX() override;
+    bool IsOpen() const;
+    bool OpenWrite(const char* file = nullptr);
+    /// The next line, trimmed, comments and headers included.
+    bool ReadRawLine(char* buf, int size);
+    /// Reads raw lines until a header or the end and always returns false
+    /// (kept for compatibility: callers use ReadRawLine).
+    bool ReadLine(char* buf, int size);
+    void ReadSection(char* buf, int size, const char* section = nullptr);
+    bool WriteSection(const char* text, const char* section = nullptr);
+};
+
+// ---------------------------------------------------------------------------
+// The standard files
+// ---------------------------------------------------------------------------
+
+/// The application settings directory (program directory\INI), created if
+/// missing; copied into *dst when given.
+VANTO_API const char* Vnt_IniAppPath(char (*dst)[VNT_MAX_PATH] = nullptr);
+/// The user directory (program directory\USR\<user>, "Std" while no user
+/// is set; "USR" and "UsrStd" of the application file can rename them),
+/// created in every call.
+VANTO_API const char* Vnt_IniUserPath(char (*dst)[VNT_MAX_PATH] = nullptr);
+/// The data directory (the application's data path).
+VANTO_API const char* Vnt_IniDatPath(char (*dst)[VNT_MAX_PATH] = nullptr);
+/// Directory + (`name` or the standard name) of each standard file.
+VANTO_API char* Vnt_IniAppFile(char (&dst)[VNT_MAX_PATH], const char* name = nullptr);
+VANTO_API char* Vnt_IniAppRWFile(char (&dst)[VNT_MAX_PATH], const char* name = nullptr);
+VANTO_API char* Vnt_IniUserFile(char (&dst)[VNT_MAX_PATH], const char* name = nullptr);
+VANTO_API char* Vnt_IniDatFile(char (&dst)[VNT_MAX_PATH], const char* name = nullptr);
+/// Sets the current user (null only reads it) and forgets the user directory.
+VANTO_API const char* Vnt_IniUser(const char* user);
+/// `entry` of `section` (null: "Settings") of the application file.
+VANTO_API const char* Vnt_IniAppValue(const char* entry, const char* def, char* buf, unsigned size,
+                                      const char* section = nullptr);
+VANTO_API long Vnt_IniAppValue(const char* entry, long def, const char* section = nullptr);

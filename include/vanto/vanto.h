@@ -1,6 +1,7 @@
 // vanto/vanto.h - the whole VantoRtl interface in one include.
 #pragma once
 
+#include "vanto/app.h"
 #include "vanto/base.h"
 #include "vanto/ini.h"
 #include "vanto/lfn.h"

@@ -1,0 +1,348 @@
+// VntIni and VntIniX: whole file texts after section rewrites, the line
+// reader (pieces, headers, comments), section name forms, entry access
+// rules, VTM mode over a message library, the questions when the file
+// cannot be replaced, and the standard files.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "app/paths.h"
+#include "base/strbuf.h"
+#include "host/host.h"
+#include "ini/ini_stream.h"
+#include "ini/profile.h"
+#include "msg/msg_internal.h"
+#include "msg/vtm_internal.h"
+#include "vanto/app.h"
+#include "vanto/ini.h"
+#include "vanto/lfn.h"
+#include "vanto/ui/msgbox.h"
+#include "vtmtool/vtm_writer.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool contains(const std::string& s, const std::string& part) { return s.find(part) != std::string::npos; }
+
+class IniFile : public ::testing::Test {
+protected:
+    static void resetAll() {
+        vnt::ini::reset();
+        vnt::ini::profileReset();
+        vnt::app::resetPaths();
+        vnt::vtm::reset();
+        vnt::host::reset();
+        vnt::msg::resetTexts();
+        vnt::msg::resetBox();
+        vnt::msg::resetReports();
+    }
+    void SetUp() override {
+        resetAll();
+        startDir_ = vnt::host::curDir();
+        dir_ = fs::temp_directory_path() / ("vanto_inifile_" + std::to_string(std::random_device{}()));
+        fs::create_directories(dir_);
+        vnt::host::setProgramFile(lib(dir_ / "Fibu"));
+        old_ = Vnt_UiSetPresenter(&box);
+        ASSERT_TRUE(Vnt_MsgItfInit(nullptr, 0, lib(VANTO_SYSLIB_EN).c_str()));
+        appVtm({"[Settings]"});
+    }
+    void TearDown() override {
+        resetAll();  // closes the library-wide object before the interface
+        Vnt_MsgItfTerm();
+        Vnt_UiSetPresenter(old_);
+        vnt::host::setProgramFile("");
+        vnt::host::setCurDir(startDir_);
+        fs::remove_all(dir_);
+    }
+    static std::string lib(const fs::path& p) {
+        VNT_PATH b{};
+        return Vnt_LfnFromHost(b, p.c_str()) ? b : "(not mappable)";
+    }
+    // The application file: one message a line.
+    void appVtm(const std::vector<std::string>& lines) {
+        vtmtool::Library l{"APPINI", 60, 0, -1, {}};
+        for (std::size_t i = 0; i < lines.size(); ++i) l.messages.push_back({uint16_t(i + 1), lines[i]});
+        fs::create_directories(dir_ / "INI");
+        vtmtool::writeFileAtomic(dir_ / "INI" / "App.vtm", vtmtool::writeLibrary(l));
+    }
+    void put(const std::string& name, const std::string& s) const {
+        std::ofstream(dir_ / name, std::ios::binary | std::ios::trunc) << s;
+    }
+    std::string text(const std::string& name) const {
+        std::ifstream in(dir_ / name, std::ios::binary);
+        return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "(missing)";
+    }
+    std::string file(const std::string& name) const { return lib(dir_ / name); }
+    // Rewrites `section` of Test.ini to hold "k=v"; `beforeEnd` runs before it ends.
+    bool rewrite(const char* section, bool commit = true, const std::function<void()>& beforeEnd = {}) {
+        VntIni ini(file("Test.ini").c_str(), nullptr);
+        if (!ini.SectionWriteBegin(section)) return false;
+        vnt::copyBounded(ini.Line(), 1024, "k=v");
+        const bool ok = ini.WriteBuf();
+        if (beforeEnd) beforeEnd();
+        ini.SectionWriteEnd(commit);
+        return ok;
+    }
+
+    VntScriptedPresenter box;
+    VntMsgPresenter* old_ = nullptr;
+    fs::path dir_;
+    std::string startDir_;
+};
+
+TEST_F(IniFile, SectionRewriteKeepsTheRestOfTheFile) {
+    const struct { const char *name, *before, *section, *after; } rows[] = {
+        {"new file begins with an empty line", nullptr, "B", "\r\n[B]\r\nk=v\r\n"},
+        {"missing section appended after an empty line", "[A]\r\nx=1\r\n", "B", "[A]\r\nx=1\r\n\r\n[B]\r\nk=v\r\n"},
+        {"comments behind the header stay, others follow the new lines",
+         "[A]\r\n;c1\r\n\r\na=1\r\n;c2\r\nb=2\r\n\r\n[N]\r\nn=1\r\n", "a",
+         "[A]\r\n;c1\r\n\r\nk=v\r\n;c2\r\n\r\n[N]\r\nn=1\r\n"},
+        {"a header with a comment is another section; LF ends become CR LF", "[A] ;x\nq=1\n", "A",
+         "[A] ;x\r\nq=1\r\n\r\n[A]\r\nk=v\r\n"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.name);
+        fs::remove(dir_ / "Test.ini");
+        if (r.before) put("Test.ini", r.before);
+        ASSERT_TRUE(rewrite(r.section));
+        EXPECT_EQ(text("Test.ini"), r.after);
+        EXPECT_FALSE(fs::exists(dir_ / "Test.tmp"));
+    }
+    // Without commit the old file stays byte for byte and the temporary file goes.
+    put("Test.ini", "[A]\nx=1\n");
+    ASSERT_TRUE(rewrite("A", false));
+    EXPECT_EQ(text("Test.ini"), "[A]\nx=1\n");
+    EXPECT_FALSE(fs::exists(dir_ / "Test.tmp"));
+}
+
+TEST_F(IniFile, LineReaderPiecesHeadersAndComments) {
+    const std::string longLine(1500, 'L');
+    put("Test.ini", "[Main] ;x\r\na=1\r\n[main]\r\n; c\r\n\r\n \t b = 2  \r\n" + longLine + "\n[Next]\rn\r\n");
+    VntIni ini(file("Test.ini").c_str(), "Other");
+    ASSERT_TRUE(ini.SectionFind("Main")) << "\"[Main] ;x\" is passed over, \"[main]\" found";
+    char buf[2000];
+    for (const std::string& w : {std::string("b = 2"), std::string(1023, 'L'), std::string(477, 'L')})
+        EXPECT_TRUE(ini.ReadStr(buf, sizeof buf) && buf == w) << w.size();
+    EXPECT_FALSE(ini.ReadStr(buf, sizeof buf));
+    EXPECT_STREQ(ini.Line(), "[Next]") << "the header waits for SectionNext";
+    char name[100] = {};
+    ASSERT_TRUE(ini.SectionNext(&name));
+    EXPECT_EQ(std::string(name) + "/" + ini.Section(), "Next/Next");
+    EXPECT_STREQ(ini.ReadString("none", buf, 3), ini.Line());
+    EXPECT_STREQ(buf, "n") << "a CR alone ends a line too";
+    ASSERT_TRUE(ini.SectionFirst(&name));
+    EXPECT_STREQ(name, "Main");
+    // Counting consumes a plain file's section.
+    ASSERT_TRUE(ini.SectionFind("MAIN"));
+    EXPECT_EQ(ini.CountEntries(), 3);
+    ASSERT_TRUE(ini.SectionFind("next"));
+    EXPECT_EQ(ini.CountEntries(), 1);
+    ini.ReadString("none", buf, sizeof buf);
+    EXPECT_STREQ(buf, "none") << "nothing left to read";
+}
+
+TEST_F(IniFile, SectionNameForms) {
+    const std::string a97(97, 'a'), a98(98, 'a');
+    const struct { const char* name; std::string src; bool inPlace; std::string want; bool fits; } rows[] = {
+        {"bare name", "Main", false, "[Main]", true},
+        {"header form in place", "[Main]", true, "[Main]", true},
+        {"closing bracket only, in place", "Main]", true, "[Main]", true},
+        {"opening bracket only, in place", "[Main", true, "[Main]", true},
+        {"97 characters fit", a97, false, "[" + a97 + "]", true},
+        {"98 characters are cut to 97", a98, false, "[" + a97 + "]", false},
+        {"98 characters in place", a98, true, "[" + a97 + "]", false},
+    };
+    for (const auto& r : rows) {
+        char name[100] = {};
+        if (r.inPlace) vnt::copyBounded(name, r.src);
+        EXPECT_EQ(VntIni::SectionNameMake(name, r.inPlace ? nullptr : r.src.c_str()), r.fits) << r.name;
+        EXPECT_EQ(name, r.want) << r.name;
+    }
+    const struct { const char *src, *bare; } clean[] = {
+        {" \t[Main]", "Main"}, {"[ Main ] ;x", " Main "}, {"Main]", "Main]"}, {"[a]b]", "a]b"}, {"[open", "open"}};
+    for (const auto& c : clean) {
+        char name[100];
+        vnt::copyBounded(name, c.src);
+        VntIni::SectionNameClean(name);
+        EXPECT_STREQ(name, c.bare) << c.src;
+    }
+    char name[] = "  [Sec]x", *start = nullptr;
+    unsigned length = 0;
+    VntIni::SectionNameClean(name, &start, &length);
+    EXPECT_EQ(std::string(start, length), "Sec");
+    EXPECT_STREQ(name, "  [Sec]x") << "reporting leaves the text as it is";
+}
+
+TEST_F(IniFile, EntryAccessRules) {
+    put("Test.ini", "[Main]\r\nblank= \" \"\r\nempty=\r\nk=v\r\n");
+    VntIni ini(file("Test.ini").c_str(), nullptr);
+    EXPECT_STREQ(ini.Section(), "Main") << "the user type's section";
+    char buf[8];
+    const struct { const char *entry, *def, *want; } reads[] = {
+        {"blank", "d", "d"}, {"empty", "d", "d"}, {"none", nullptr, ""}, {"K", "d", "v"}};
+    for (const auto& r : reads) {
+        EXPECT_EQ(ini.ReadStr(r.entry, r.def, buf, sizeof buf), int(std::strlen(r.want))) << r.entry;
+        EXPECT_STREQ(buf, r.want) << r.entry;
+    }
+    // Writes into a directory that does not exist yet.
+    VntIni w(file("sub/New.ini").c_str(), "S");
+    const struct { const char* name; const char* value; int num; bool quote; const char* def; const char* after; } writes[] = {
+        {"numbered and quoted", "x", 3, true, nullptr, "[S]\r\nR3=\"x\"\r\n"},
+        {"quoted value differs from its unquoted default", "y", -1, true, "y", "[S]\r\nR3=\"x\"\r\nR=\"y\"\r\n"},
+        {"value equal to its default deletes", "z", 3, false, "z", "[S]\r\nR=\"y\"\r\n"},
+        {"empty value deletes", "", -1, false, nullptr, "[S]\r\n"},
+    };
+    for (const auto& r : writes) {
+        EXPECT_TRUE(w.WriteStr("R", r.value, r.num, r.quote, r.def)) << r.name;
+        EXPECT_EQ(text("sub/New.ini"), r.after) << r.name;
+    }
+    const char* same = "Recent";
+    EXPECT_TRUE(VntIni::NumEntry(same, -1) == same && std::strcmp(VntIni::NumEntry(same, 3), "Recent3") == 0);
+}
+
+TEST_F(IniFile, VtmModeReadsMessagesAndRefusesWrites) {
+    appVtm({"[Settings]", "UserIni = Me.ini", "[Other]", "k = v1", ";c", "line", "[Last]", "z=1"});
+    VntIni ini(file("INI/App.vtm").c_str(), "Other", VNTINI_APP);
+    EXPECT_TRUE(ini.IsVtm());
+    EXPECT_EQ(ini.Type() & (VNTINI_ACCESS_RO | VNTINI_ACCESS_RW), VNTINI_ACCESS_RO);
+    char buf[64];
+    EXPECT_TRUE(ini.ReadStr("K", "d", buf, sizeof buf) == 2 && std::string(buf) == "v1");
+    EXPECT_EQ(ini.ReadStr("z", "d", buf, sizeof buf), 1) << "entries of another section are not seen";
+    ASSERT_TRUE(ini.SectionFind("other"));
+    EXPECT_EQ(ini.CountEntries(), 2);
+    EXPECT_EQ(ini.CountEntries(), 2) << "a message library is read again at once";
+    char name[100];
+    EXPECT_TRUE(ini.SectionNext(&name) && std::string(name) == "Last");
+    ini.SetSection("Missing", -1);
+    EXPECT_EQ(ini.ReadStr("k", "d", buf, sizeof buf), 1) << "no section found: no entries";
+    EXPECT_EQ(Vnt_IniAppValue("UserIni", "x", buf, sizeof buf), std::string("Me.ini"));
+    EXPECT_STREQ(buf, "Me.ini");
+
+    EXPECT_TRUE(VntIni(file("INI/App.VTM").c_str(), nullptr).IsVtm()) << "the extension in any case";
+    EXPECT_FALSE(ini.WriteStr("k", "v"));
+    EXPECT_FALSE(ini.SectionWriteBegin());
+    ini.SectionWriteEnd(true);
+    ASSERT_EQ(box.shown.size(), 3u);
+    EXPECT_TRUE(contains(box.shown[0].text, "Internal Error:\n\nVntIni::WriteStr(): VTM mode is read only."));
+    EXPECT_TRUE(contains(box.shown[0].details, "File:\t\t" + file("INI/App.vtm") + "\nSection:\t\t[Missing]\nEntry:\t\tk"))
+        << box.shown[0].details;
+    EXPECT_TRUE(contains(box.shown[1].text, "VntIni::SectionWriteBegin(): VTM mode does not support writing back to a file"));
+    EXPECT_TRUE(contains(box.shown[2].text, "VntIni::SectionWriteEnd(): VTM mode does not support writing back to a file"));
+}
+
+TEST_F(IniFile, ReplacingTheFileAsksWhenItFails) {
+    const std::string oldText = "[A]\r\nx=1\r\n", newText = "[A]\r\nk=v\r\n";
+    // `nth`: the temporary file's own write renames once before.
+    const struct { const char* name; vnt::host::Op op; int nth, button; const char *file, *temp; } rows[] = {
+        {"delete fails, retry", vnt::host::Op::Remove, 1, VNT_BTN_RETRY, newText.c_str(), "(missing)"},
+        {"delete fails, abort leaves both", vnt::host::Op::Remove, 1, VNT_BTN_ABORT, oldText.c_str(), newText.c_str()},
+        {"delete fails, ignore renames over it", vnt::host::Op::Remove, 1, VNT_BTN_IGNORE, newText.c_str(), "(missing)"},
+        {"rename fails, retry", vnt::host::Op::Rename, 2, VNT_BTN_RETRY, newText.c_str(), "(missing)"},
+        {"rename fails, cancel gives up", vnt::host::Op::Rename, 2, VNT_BTN_CANCEL, "(missing)", newText.c_str()},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.name);
+        put("Test.ini", oldText);
+        fs::remove(dir_ / "Test.tmp");
+        box.shown.clear();
+        box.answers.push_back({r.button, false});
+        ASSERT_TRUE(rewrite("A", true, [&] {
+            EXPECT_TRUE(fs::exists(dir_ / "Test.tmp")) << "the temporary file exists from the start";
+            vnt::host::faultAt(r.op, r.nth);
+        }));
+        vnt::host::faultReset();
+        EXPECT_EQ(text("Test.ini"), r.file);
+        EXPECT_EQ(text("Test.tmp"), r.temp);
+        ASSERT_EQ(box.shown.size(), 1u);
+        const bool remove = r.op == vnt::host::Op::Remove;
+        EXPECT_TRUE(contains(box.shown[0].text, remove ? "cannot be deleted" : "cannot be renamed")) << box.shown[0].text;
+        EXPECT_TRUE(contains(box.shown[0].text, Vnt_LfnNameOut(file("Test.ini").c_str())));
+    }
+}
+
+TEST_F(IniFile, StandardFilesAndTheirNames) {
+    const std::string prog = lib(dir_);
+    fs::remove(dir_ / "INI" / "App.vtm");  // without it: the defaults, and no report
+    char buf[VNT_MAX_PATH];
+    EXPECT_EQ(std::string(Vnt_IniUserFile(buf)), prog + "\\USR\\Std\\User.ini");
+    EXPECT_TRUE(fs::is_directory(dir_ / "USR" / "Std"));
+    EXPECT_EQ(std::string(Vnt_IniAppRWFile(buf)), prog + "\\INI\\AppRW.ini");
+    Vnt_AppSetDataPath((prog + "\\Daten").c_str());
+    EXPECT_EQ(std::string(Vnt_IniDatFile(buf)), prog + "\\Daten\\Dat.ini");
+    EXPECT_STREQ(Vnt_IniUser("Anna"), "Anna");
+    EXPECT_TRUE(Vnt_IniUserPath() == prog + "\\USR\\Anna" && fs::is_directory(dir_ / "USR" / "Anna"));
+    EXPECT_STREQ(Vnt_IniUser(nullptr), "Anna");
+    EXPECT_STREQ(Vnt_IniAppValue("Missing", "def", nullptr, 0), "def");
+    EXPECT_EQ(Vnt_IniAppValue("Missing", 42L), 42);
+    const VntIni user, dat(nullptr, nullptr, VNTINI_DAT);
+    EXPECT_EQ(std::string(user.File()), prog + "\\USR\\Anna\\User.ini");
+    EXPECT_STREQ(user.Section(), "Main");
+    EXPECT_STREQ(dat.Section(), "Settings");
+    EXPECT_TRUE(box.shown.empty());
+
+    // The application file renames the files and directories, read once.
+    vnt::ini::reset();
+    vnt::app::resetPaths();
+    appVtm({"[Settings]", "USR=Benutzer", "UsrStd=Gast", "UserIni=Me.ini", "DatIni=D.ini", "Width=12x"});
+    EXPECT_EQ(std::string(Vnt_IniUserFile(buf)), prog + "\\Benutzer\\Gast\\Me.ini");
+    EXPECT_EQ(std::string(Vnt_IniDatFile(buf, "Own.ini")), "Own.ini") << "no data path set";
+    EXPECT_EQ(std::string(Vnt_IniDatFile(buf)), "D.ini");
+    EXPECT_EQ(Vnt_IniAppValue("Width", 0L), 12);
+}
+
+struct Settings : VntIni {
+    using VntIni::VntIni;
+    bool fail = false;
+    int calls = 0;
+    void DoDataExchange(bool write) override {
+        ++calls;
+        if (write && fail) throw 1;  // what a failed typed write does
+    }
+};
+
+TEST_F(IniFile, WholeSectionsDataExchangeAndCopies) {
+    VntIniX x(file("Test.ini").c_str(), "A");
+    ASSERT_TRUE(x.OpenWrite() && x.IsOpen());
+    EXPECT_TRUE(x.WriteSection("a=1\r\n;c\n\nlast"));
+    EXPECT_TRUE(x.WriteSection("b=2", "B"));
+    EXPECT_FALSE(x.WriteSection("x", std::string(98, 'n').c_str())) << "a name that does not fit writes nothing";
+    x.Close(true);
+    EXPECT_EQ(text("Test.ini"), "[A]\r\na=1\r\n;c\r\n\r\nlast\r\n[B]\r\nb=2\r\n");
+    char buf[64];
+    x.ReadSection(buf, sizeof buf);
+    EXPECT_STREQ(buf, "a=1\n;c\n\nlast\n");
+    EXPECT_FALSE(x.IsOpen()) << "closed again by the call that opened it";
+    x.ReadSection(buf, 8, "a");
+    EXPECT_STREQ(buf, "a=1\n") << "stops before reaching size - 2";
+    x.SectionFind("A");
+    EXPECT_FALSE(x.ReadLine(buf, sizeof buf)) << "never a line, kept for compatibility";
+    EXPECT_TRUE(x.ReadRawLine(buf, sizeof buf));
+    EXPECT_STREQ(buf, "b=2") << "ReadLine read up to the next header";
+    x.Close(true);
+    // A section rewrite shared by a copy is committed once, by the last holder.
+    {
+        VntIni a(file("Test.ini").c_str(), "B");
+        ASSERT_TRUE(a.SectionWriteBegin());
+        VntIni b(a);
+        vnt::copyBounded(b.Line(), 1024, "c=3");
+        EXPECT_TRUE(b.WriteBuf());
+        a.Close(true);
+        EXPECT_EQ(text("Test.ini"), "[A]\r\na=1\r\n;c\r\n\r\nlast\r\n[B]\r\nb=2\r\n");
+    }
+    EXPECT_EQ(text("Test.ini"), "[A]\r\na=1\r\n;c\r\n\r\nlast\r\n[B]\r\nc=3\r\n");
+    Settings s(file("Test.ini").c_str(), "A");
+    s.Read();
+    EXPECT_TRUE(s.Write());
+    s.fail = true;
+    EXPECT_TRUE(!s.Write() && s.calls == 3);
+}
+
+}  // namespace
