@@ -208,6 +208,23 @@ TEST_F(IniFile, EntryAccessRules) {
     EXPECT_TRUE(VntIni::NumEntry(same, -1) == same && std::strcmp(VntIni::NumEntry(same, 3), "Recent3") == 0);
 }
 
+TEST_F(IniFile, OutsideWritersAreSeenBetweenReads) {
+    put("Test.ini", "[S]\r\nk=1\r\n");
+    VntIni a(file("Test.ini").c_str(), "S"), b(file("Test.ini").c_str(), "S");
+    char buf[8];
+    auto read = [&](VntIni& ini) { ini.ReadStr("k", "-", buf, sizeof buf); return std::string(buf); };
+    EXPECT_EQ(read(a), "1");
+    EXPECT_EQ(read(b), "1");
+    put("Test.ini", "[S]\r\nk=22\r\n");  // another program changes the file
+    EXPECT_EQ(read(a), "22");
+    put("Test.ini", "[S]\r\nk=33\r\n");  // same size: only the notification can tell
+    EXPECT_EQ(read(b), "33");
+    ASSERT_TRUE(a.WriteStr("k", "4"));
+    EXPECT_EQ(read(b), "4");
+    fs::remove(dir_ / "Test.ini");
+    EXPECT_EQ(read(a), "-");
+}
+
 TEST_F(IniFile, VtmModeReadsMessagesAndRefusesWrites) {
     appVtm({"[Settings]", "UserIni = Me.ini", "[Other]", "k = v1", ";c", "line", "[Last]", "z=1"});
     VntIni ini(file("INI/App.vtm").c_str(), "Other", VNTINI_APP);
