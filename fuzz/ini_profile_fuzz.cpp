@@ -1,6 +1,8 @@
-// Fuzz target: arbitrary bytes as an INI file for the profile functions:
-// the section and key lists and a few reads, then a key written into the
-// first section and read back, from the cache and after a flush from disk.
+// Fuzz target: arbitrary bytes as an INI file for the profile functions
+// (the section and key lists and a few reads, then a key written into the
+// first section and read back, from the cache and after a flush from disk)
+// and for the engine's line reader (every section enumerated and read line
+// by line, one section read whole, then rewritten).
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -13,6 +15,8 @@
 
 #include "ini/profile.h"
 #include "vanto/ini.h"
+#include "vanto/lfn.h"
+#include "vanto/ui/msgbox.h"
 
 namespace {
 
@@ -28,9 +32,9 @@ struct InputFile {
         dir = base / ("vanto_ini_fuzz_" + std::to_string(std::random_device{}()));
         fs::create_directories(dir);
         host = dir / "Fuzz.ini";
-        lib = "Z:" + host.string();
-        for (char& c : lib)
-            if (c == '/') c = '\\';
+        VNT_PATH name;
+        if (!Vnt_LfnFromHost(name, host.c_str())) std::abort();
+        lib = name;
     }
     ~InputFile() {
         std::error_code ec;
@@ -50,6 +54,25 @@ std::string get(const char* section, const char* key, const char* file) {
     return std::string(buf, n);
 }
 
+// The line reader over the whole file, then a rewrite of its first section.
+void lines(const char* file) {
+    VntIniX ini(file, "S", VNTINI_DAT);
+    char name[100], buf[64];
+    int sections = 0;
+    for (bool ok = ini.SectionFirst(&name); ok && sections < 1000; ok = ini.SectionNext(&name), ++sections)
+        for (int n = 0; n < 100000 && ini.ReadStr(buf, sizeof buf); ++n) {
+        }
+    char whole[512];
+    ini.ReadSection(whole, sizeof whole, nullptr);
+    ini.CountEntries();
+    ini.Close(false);
+    if (ini.SectionWriteBegin("Fz")) {
+        std::snprintf(ini.Line(), 1024, "k=%d", sections);
+        ini.WriteBuf();
+        ini.SectionWriteEnd(true);
+    }
+}
+
 [[noreturn]] void fail(const char* what) {
     std::fprintf(stderr, "ini_profile_fuzz: %s\n", what);
     std::abort();
@@ -59,6 +82,9 @@ std::string get(const char* section, const char* key, const char* file) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static InputFile in;
+    static VntScriptedPresenter quiet;  // reports and questions answer OK
+    Vnt_UiSetPresenter(&quiet);
+    quiet.shown.clear();
     const char* file = in.lib.c_str();
     std::ofstream(in.host, std::ios::binary | std::ios::trunc).write(reinterpret_cast<const char*>(data),
                                                                      static_cast<std::streamsize>(size));
@@ -93,5 +119,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (list(nullptr, file) != cached) fail("cache and disk disagree on the sections");
     if (!Vnt_ProfileWriteString(sec, "FuzzKey", nullptr, file)) fail("delete failed");
     if (get(sec, "FuzzKey", file) == "v 1") fail("deleted key still read");
+    lines(file);
     return 0;
 }
