@@ -25,6 +25,7 @@
 // thread.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -122,6 +123,27 @@ public:
 
 namespace vnt::ini { struct Stream; }
 
+/// A rectangle by position and size; the defaults of rectangle settings.
+struct XYWH {
+    int32_t x;
+    int32_t y;
+    int32_t width;
+    int32_t height;
+};
+static_assert(sizeof(XYWH) == 16 && offsetof(XYWH, width) == 8 && offsetof(XYWH, height) == 12);
+
+/// A rectangle by its edges.
+struct tagRECT {
+    int32_t left;
+    int32_t top;
+    int32_t right;
+    int32_t bottom;
+};
+static_assert(sizeof(tagRECT) == 16 && offsetof(tagRECT, right) == 8 && offsetof(tagRECT, bottom) == 12);
+
+/// Marks a rectangle field as unset (the smallest 32-bit integer).
+inline constexpr int32_t VNTINI_RECT_UNSET = INT32_MIN;
+
 /// An INI file with a current section.
 class VANTO_API VntIni {
 public:
@@ -165,6 +187,40 @@ public:
     bool WriteStr(const char* entry, const char* value, int num = -1, bool quote = false,
                   const char* def = nullptr);
 
+    // Typed values. Numbers in text: "$1F" and "0x1F" are hexadecimal (31),
+    // anything else decimal after leading blanks, up to the first non-digit
+    // ("12ab" => 12, "abc" => 0); hexadecimal is taken as 32 bits
+    // ("$FFFFFFFF" => -1). Every read asks with its default's text, so a
+    // missing entry gives the default; every write deletes the entry when
+    // the value equals its default. Number texts and the rectangle read are
+    // one library-wide buffer each, overwritten by the next call.
+
+    /// The number of `entry`, or `def` when missing: "$ff", "0XFF", "255" => 255; "abc" => 0.
+    long ReadInt(const char* entry, long def, int num = -1);
+    /// ReadInt(null, def, -1): no entry name (in VTM mode: the next line).
+    long ReadInt(long def);
+    /// Writes `value` in decimal; deletes the entry when `value` == `def`.
+    bool WriteInt(const char* entry, long value, int num = -1, long def = 0);
+    /// The rectangle of the text "x, y, width, height" (parts split at
+    /// commas, blanks and tabs; a part that is no number counts 0; missing
+    /// parts keep the default's): "10, 20, 100, 50" => {10, 20, 110, 70}.
+    /// Without a value, `def` as a rectangle; without `def` fields are
+    /// VNTINI_RECT_UNSET. Points to one library-wide rectangle.
+    tagRECT* ReadRect(const char* entry, const XYWH* def = nullptr, int num = -1);
+    /// Writes "x, y, width, height", a negative size as 0: {10, 20, 5, 30}
+    /// => "10, 20, 0, 10". Deletes the entry when `def` equals all four.
+    bool WriteRect(const char* entry, const tagRECT* rect, int num = -1, const XYWH* def = nullptr);
+    /// The colour red | green << 8 | blue << 16 of the text "red, green,
+    /// blue" (missing parts 0): "10,20" => 0x140A. An empty value gives
+    /// `defText`'s colour, or `def` when there is no `defText`.
+    unsigned long ReadColor(const char* entry, const char* defText = nullptr, unsigned long def = 0,
+                            int num = -1);
+    /// Writes " r, r, r" of the red part only (0x1E140A => " 10, 10, 10",
+    /// a grey; kept for compatibility). Deletes the entry when the text
+    /// equals `defText`, or when `def` is not 0xFFFFFFFF and `color` == `def`.
+    bool WriteColor(const char* entry, unsigned long color, int num = -1, const char* defText = nullptr,
+                    unsigned long def = 0xFFFFFFFF);
+
     // Line access
     bool SectionFind(const char* section);
     bool SectionFirst(char (*name)[100] = nullptr);
@@ -183,6 +239,65 @@ public:
     void Read();
     bool Write();
 
+    // DX: one member of a settings class for DoDataExchange; reads when
+    // `write` is false, writes when it is true. A failing write throws the
+    // int 0, which Write() catches. The text forms write without a default
+    // (only an empty text deletes); the number forms write with theirs, so
+    // an unchanged member is removed from the file.
+
+    /// ReadStr(entry, def, buf, size, num) / WriteStr(entry, buf, num, quote).
+    void DX(bool write, const char* entry, char* buf, unsigned size, const char* def = nullptr, int num = -1,
+            bool quote = false);
+    /// As the buffer form, through the line buffer.
+    void DX(bool write, const char* entry, std::string& value, const char* def = nullptr, int num = -1,
+            bool quote = false);
+    /// ReadInt / WriteInt(entry, value, num, def).
+    void DX(bool write, const char* entry, long& value, long def = 0, int num = -1);
+    void DX(bool write, const char* entry, int& value, int def = 0, int num = -1);
+    /// Read: cut to 16 bits.
+    void DX(bool write, const char* entry, short& value, short def = 0, int num = -1);
+    /// Read: any number but 0 is true. Write: 0 or 1.
+    void DX(bool write, const char* entry, bool& value, bool def = false, int num = -1);
+    /// ReadRect / WriteRect(entry, &value, num, def).
+    void DX(bool write, const char* entry, tagRECT& value, const XYWH* def = nullptr, int num = -1);
+    /// ReadColor / WriteColor(entry, color, num, defText, def).
+    void DX(bool write, const char* entry, unsigned long& color, const char* defText,
+            unsigned long def = 0xFFFFFFFF, int num = -1);
+
+    // Token lists in the line buffer. Read a value first (ReadStr, a raw
+    // line), then take its items; build a value with TokenSet* and write
+    // the line buffer (WriteStr, WriteBuf). Readers skip leading blanks and
+    // tabs, end an item at the first separator and drop its trailing blanks
+    // and tabs; an empty item gives the default; they return the item (in
+    // the line buffer) or null when the list is used up:
+    //   "a,,b" => "a", def, "b", null        "$1F, 0x1F" => 31, 31
+
+    /// With `c` not 0 the separators become `c` alone; returns the first separator.
+    char TokenSeparator(char c = 0);
+    /// null: returns the set; "": back to ",\t\n"; else replaces the set, or
+    /// with `append` adds to it (31 characters at most in all).
+    const char* TokenSeparators(const char* set = nullptr, bool append = false);
+    /// The first item (after the first "=" with `afterEquals`) into `buf`, or `def`.
+    char* TokenFirst(const char* def, char* buf, unsigned size, bool afterEquals = false);
+    /// The first item as a number into *out, or `def` when empty or missing.
+    char* TokenFirst(long def, long* out, bool afterEquals = false);
+    char* TokenFirst(int def, int* out, bool afterEquals = false);
+    /// The next item, as TokenFirst.
+    char* TokenNext(const char* def, char* buf, unsigned size);
+    char* TokenNext(long def, long* out);
+    char* TokenNext(int def, int* out);
+    /// Empties the line buffer and appends an item, as TokenSetNext.
+    bool TokenSetFirst(const char* text, int width = -1);
+    bool TokenSetFirst(long value, int width = -1);
+    /// Appends an item (a text, or a number in decimal). `width` < 0: the
+    /// item alone (the last of a list); 0: item, separator and a blank;
+    /// above 0: item and separator padded with blanks to `width` + 1.
+    /// False, the buffer unchanged, when the item (or `width` + 1) would not
+    /// leave room in the 1024-byte buffer.
+    ///   TokenSetFirst("A", 0), TokenSetNext(12L, 3), TokenSetNext("B", -1) => "A, 12, B"
+    bool TokenSetNext(const char* text, int width = -1);
+    bool TokenSetNext(long value, int width = -1);
+
 protected:
     bool ini_open(const char* file, VNTINI_TYPE type, bool report, bool forWriting);
     bool open_for_writing(const char* file);
@@ -192,6 +307,12 @@ protected:
     bool read_buf(bool trim);
     /// Lets go of both streams; an output is written out, nothing replaced.
     void release_streams();
+    /// Behind TokenFirst and TokenNext: delimits the item and delivers it
+    /// as text (buf) or number (out).
+    char* token_next(bool first, char* buf, unsigned size, long* out, const char* def, long defNum,
+                     bool afterEquals);
+    /// Behind TokenSetFirst and TokenSetNext.
+    bool token_set_next(bool first, const char* text, long value, int width);
 
     char file_[VNT_MAX_PATH];        ///< full name of the file
     char section_[100];              ///< current section, bare

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "vanto/base.h"
+#include "vanto/ini.h"
 
 class VntIni;
 
@@ -52,6 +53,8 @@ struct EngineState {
     char usrRoot[40] = {};               ///< "USR"
     char usrStd[40] = {};                ///< "UsrStd"
     std::unique_ptr<VntIni> app;         ///< the library-wide object on "App.vtm"
+    char numberText[80] = {};            ///< the text of a whole number (typed values, tokens)
+    tagRECT rect = {};                   ///< ReadRect's result
 };
 
 EngineState& engine();
