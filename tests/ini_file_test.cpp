@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <map>
 #include <iterator>
 #include <random>
 #include <string>
@@ -36,6 +37,7 @@ class IniFile : public ::testing::Test {
 protected:
     static void resetAll() {
         vnt::ini::reset();
+        Vnt_AppSetProfile(nullptr);
         vnt::ini::profileReset();
         vnt::app::resetPaths();
         vnt::vtm::reset();
@@ -360,6 +362,46 @@ TEST_F(IniFile, WholeSectionsDataExchangeAndCopies) {
     EXPECT_TRUE(s.Write());
     s.fail = true;
     EXPECT_TRUE(!s.Write() && s.calls == 3);
+}
+
+}  // namespace
+
+namespace {
+
+// An application's own profile: everything in memory.
+struct MemoryProfile : VntAppProfile {
+    std::map<std::string, std::string> values;
+    std::string GetProfileString(const char* s, const char* e, const char* def) override {
+        auto it = values.find(std::string(s) + "/" + e);
+        return it == values.end() ? def : it->second;
+    }
+    bool WriteProfileString(const char* s, const char* e, const char* v) override {
+        if (v) values[std::string(s) + "/" + e] = v;
+        else values.erase(std::string(s) + "/" + e);
+        return true;
+    }
+};
+
+TEST_F(IniFile, ApplicationProfileLivesInTheUserFileUnlessReplaced) {
+    VntIni ini(file("Test.ini").c_str(), "Opts");
+    ini.SetApp(&Vnt_AppProfile());
+    char buf[8];
+    ASSERT_TRUE(ini.WriteStr("Size", "12"));
+    EXPECT_EQ(text("USR/Std/User.ini"), "[Opts]\r\nSize=12\r\n");
+    EXPECT_EQ(text("Test.ini"), "(missing)");
+    ini.ReadStr("size", "-", buf, sizeof buf);
+    EXPECT_STREQ(buf, "12");
+    MemoryProfile mine;
+    VntAppProfile* before = &Vnt_AppProfile();
+    EXPECT_EQ(Vnt_AppSetProfile(&mine), before);
+    ini.SetApp(&Vnt_AppProfile());
+    ASSERT_TRUE(ini.WriteStr("Size", "7"));
+    ini.ReadStr("Size", "-", buf, sizeof buf);
+    EXPECT_STREQ(buf, "7");
+    EXPECT_EQ(mine.values["Opts/Size"], "7");
+    EXPECT_EQ(text("USR/Std/User.ini"), "[Opts]\r\nSize=12\r\n") << "the user file is no longer used";
+    Vnt_AppSetProfile(nullptr);
+    EXPECT_NE(&Vnt_AppProfile(), &mine);
 }
 
 }  // namespace

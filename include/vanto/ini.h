@@ -121,6 +121,21 @@ public:
     virtual bool WriteProfileString(const char* section, const char* entry, const char* value) = 0;
 };
 
+/// The library's default application profile: kept in the user file
+/// (Vnt_IniUserFile) through the profile functions.
+class VANTO_API VntUserFileProfile : public VntAppProfile {
+public:
+    std::string GetProfileString(const char* section, const char* entry, const char* def) override;
+    bool WriteProfileString(const char* section, const char* entry, const char* value) override;
+};
+
+/// The application's profile: the one installed with Vnt_AppSetProfile, else
+/// the library's default (VntUserFileProfile).
+VANTO_API VntAppProfile& Vnt_AppProfile();
+/// Installs the application's profile (null: the default again); returns the
+/// previous one. The caller keeps ownership.
+VANTO_API VntAppProfile* Vnt_AppSetProfile(VntAppProfile* profile);
+
 namespace vnt::ini { struct Stream; }
 
 /// A rectangle by position and size; the defaults of rectangle settings.
