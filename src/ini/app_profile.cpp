@@ -2,16 +2,14 @@
 // library's default keeps it in the user's settings file.
 #include "vanto/ini.h"
 
+#include "base/port_slot.h"
+
 namespace {
 
-struct Profiles {
-    VntUserFileProfile userFile;
-    VntAppProfile* current = &userFile;
-};
-
-Profiles& profiles() {
-    static Profiles p;
-    return p;
+vnt::PortSlot<VntAppProfile>& profileSlot() {
+    static VntUserFileProfile userFile;
+    static vnt::PortSlot<VntAppProfile> slot(userFile);
+    return slot;
 }
 
 }  // namespace
@@ -30,10 +28,6 @@ bool VntUserFileProfile::WriteProfileString(const char* section, const char* ent
     return Vnt_ProfileWriteString(section, entry, value, file);
 }
 
-VntAppProfile& Vnt_AppProfile() { return *profiles().current; }
+VntAppProfile& Vnt_AppProfile() { return profileSlot().get(); }
 
-VntAppProfile* Vnt_AppSetProfile(VntAppProfile* profile) {
-    VntAppProfile* old = profiles().current;
-    profiles().current = profile ? profile : &profiles().userFile;
-    return old;
-}
+VntAppProfile* Vnt_AppSetProfile(VntAppProfile* profile) { return profileSlot().set(profile); }

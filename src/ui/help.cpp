@@ -6,6 +6,8 @@
 #include "vanto/lfn.h"
 #include "vanto/ui/help.h"
 
+#include "base/port_slot.h"
+
 VntHelpPort::~VntHelpPort() = default;
 
 bool VntHelpRecorder::Open(const VntHelpRequest& request) {
@@ -15,25 +17,17 @@ bool VntHelpRecorder::Open(const VntHelpRequest& request) {
 
 namespace {
 
-struct HelpPorts {
-    VntHelpRecorder headless;
-    VntHelpPort* port = &headless;
-};
-
-HelpPorts& helpPorts() {
-    static HelpPorts p;
-    return p;
+vnt::PortSlot<VntHelpPort>& helpSlot() {
+    static VntHelpRecorder headless;
+    static vnt::PortSlot<VntHelpPort> slot(headless);
+    return slot;
 }
 
 }  // namespace
 
-VntHelpPort& Vnt_UiHelp() { return *helpPorts().port; }
+VntHelpPort& Vnt_UiHelp() { return helpSlot().get(); }
 
-VntHelpPort* Vnt_UiSetHelp(VntHelpPort* port) {
-    VntHelpPort* old = helpPorts().port;
-    helpPorts().port = port ? port : &helpPorts().headless;
-    return old;
-}
+VntHelpPort* Vnt_UiSetHelp(VntHelpPort* port) { return helpSlot().set(port); }
 
 /*
  * The help file is named like the program: the program's extension, if it

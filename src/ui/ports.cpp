@@ -3,6 +3,7 @@
 // presenter for tools and programs without a window system.
 #include <string>
 
+#include "base/port_slot.h"
 #include "host/host.h"
 #include "vanto/text.h"
 #include "vanto/ui/msgbox.h"
@@ -16,8 +17,8 @@ namespace {
 struct Ports {
     VntHeadlessWindowPort headless;
     VntConsolePresenter console;
-    VntWindowPort* window = &headless;
-    VntMsgPresenter* presenter = &console;
+    vnt::PortSlot<VntWindowPort> window{headless};
+    vnt::PortSlot<VntMsgPresenter> presenter{console};
 };
 
 Ports& ports() {
@@ -147,21 +148,13 @@ std::vector<std::string> splitLines(const std::string& text) {
 
 }  // namespace
 
-VntWindowPort& Vnt_UiWindow() { return *ports().window; }
+VntWindowPort& Vnt_UiWindow() { return ports().window.get(); }
 
-VntWindowPort* Vnt_UiSetWindow(VntWindowPort* port) {
-    VntWindowPort* old = ports().window;
-    ports().window = port ? port : &ports().headless;
-    return old;
-}
+VntWindowPort* Vnt_UiSetWindow(VntWindowPort* port) { return ports().window.set(port); }
 
-VntMsgPresenter& Vnt_UiPresenter() { return *ports().presenter; }
+VntMsgPresenter& Vnt_UiPresenter() { return ports().presenter.get(); }
 
-VntMsgPresenter* Vnt_UiSetPresenter(VntMsgPresenter* presenter) {
-    VntMsgPresenter* old = ports().presenter;
-    ports().presenter = presenter ? presenter : &ports().console;
-    return old;
-}
+VntMsgPresenter* Vnt_UiSetPresenter(VntMsgPresenter* presenter) { return ports().presenter.set(presenter); }
 
 bool VntScriptedPresenter::Show(const VntBoxModel& box, VntBoxAnswer& answer) {
     shown.push_back(box);
