@@ -4,6 +4,8 @@
 // cannot be replaced, and the standard files.
 #include <gtest/gtest.h>
 
+#include "support.h"
+
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -35,17 +37,7 @@ bool contains(const std::string& s, const std::string& part) { return s.find(par
 
 class IniFile : public ::testing::Test {
 protected:
-    static void resetAll() {
-        vnt::ini::reset();
-        Vnt_AppSetProfile(nullptr);
-        vnt::ini::profileReset();
-        vnt::app::resetPaths();
-        vnt::vtm::reset();
-        vnt::host::reset();
-        vnt::msg::resetTexts();
-        vnt::msg::resetBox();
-        vnt::msg::resetReports();
-    }
+    static void resetAll() { vnt::test::resetAll(); }
     void SetUp() override {
         resetAll();
         startDir_ = vnt::host::curDir();

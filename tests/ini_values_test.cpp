@@ -3,6 +3,8 @@
 // and token lists read from and built in the line buffer.
 #include <gtest/gtest.h>
 
+#include "support.h"
+
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -25,7 +27,7 @@ namespace {
 
 class IniValues : public ::testing::Test {
 protected:
-    static void resetAll() { vnt::ini::reset(), vnt::ini::profileReset(), vnt::host::reset(); }
+    static void resetAll() { vnt::test::resetAll(); }
     void SetUp() override {
         resetAll();
         startDir_ = vnt::host::curDir();

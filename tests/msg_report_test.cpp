@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support.h"
+
 #include <string>
 #include <vector>
 
@@ -22,14 +24,7 @@ bool contains(const std::string& s, const std::string& part) { return s.find(par
 
 class Reports : public ::testing::Test {
 protected:
-    static void resetAll() {
-        vnt::vtm::reset();
-        vnt::host::reset();
-        vnt::host::setLastError(0);
-        vnt::msg::resetTexts();
-        vnt::msg::resetBox();
-        vnt::msg::resetReports();
-    }
+    static void resetAll() { vnt::test::resetAll(); }
     void SetUp() override {
         resetAll();
         old_ = Vnt_UiSetPresenter(&box);

@@ -4,6 +4,8 @@
 // the plain box and the copy and editor actions.
 #include <gtest/gtest.h>
 
+#include "support.h"
+
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -70,14 +72,7 @@ public:
 
 class MsgBox : public ::testing::Test {
 protected:
-    static void resetAll() {
-        vnt::vtm::reset();
-        vnt::host::reset();
-        vnt::host::faultReset();
-        vnt::msg::resetTexts();
-        vnt::msg::resetBox();
-        vnt::msg::resetReports();
-    }
+    static void resetAll() { vnt::test::resetAll(); }
     void SetUp() override {
         resetAll();
         base_ = fs::temp_directory_path() /

@@ -1,0 +1,27 @@
+// Shared by the tests: every subsystem back to the state of a fresh process.
+#pragma once
+
+#include "app/paths.h"
+#include "host/host.h"
+#include "ini/ini_stream.h"
+#include "ini/profile.h"
+#include "msg/msg_internal.h"
+#include "msg/vtm_internal.h"
+#include "vanto/ini.h"
+
+namespace vnt::test {
+
+inline void resetAll() {
+    vnt::ini::reset();  // closes the library-wide engine before the message system goes
+    Vnt_AppSetProfile(nullptr);
+    vnt::ini::profileReset();
+    vnt::app::resetPaths();
+    vnt::vtm::reset();
+    vnt::host::reset();
+    vnt::host::setLastError(0);
+    vnt::msg::resetTexts();
+    vnt::msg::resetBox();
+    vnt::msg::resetReports();
+}
+
+}  // namespace vnt::test
