@@ -227,6 +227,7 @@ public:
 
 private:
     bool load(VntMsgRef id, char* out, va_list* firstArg);
+    char* vstr(VntMsgRef id, va_list* args);
     VNT_HINSTANCE inst_ = nullptr;
     VNT_HWND win_ = nullptr;
     char title_[120];

@@ -117,12 +117,19 @@ bool VntRes::load(VntMsgRef id, char* out, va_list* firstArg) {
     return false;
 }
 
+// Loads the string into the format buffer and formats it with the
+// arguments into the next public buffer.
+char* VntRes::vstr(VntMsgRef id, va_list* args) {
+    load(id, fmt_, args);
+    char* out = buf[next_++ % 4];
+    formatInto(out, kResSize, fmt_, *args);
+    return out;
+}
+
 char* VntRes::str(VntMsgRef id, ...) {
     va_list ap;
     va_start(ap, id);
-    load(id, fmt_, &ap);
-    char* out = buf[next_++ % 4];
-    formatInto(out, kResSize, fmt_, ap);
+    char* out = vstr(id, &ap);
     va_end(ap);
     return out;
 }
@@ -136,9 +143,7 @@ char* VntRes::str_load(VntMsgRef id) {
 unsigned VntRes::str_get(VntMsgRef id, char* dst, unsigned size, ...) {
     va_list ap;
     va_start(ap, size);
-    load(id, fmt_, &ap);
-    char* out = buf[next_++ % 4];
-    formatInto(out, kResSize, fmt_, ap);
+    vstr(id, &ap);
     va_end(ap);
     return str_cpy(dst, size);
 }
