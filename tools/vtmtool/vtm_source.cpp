@@ -3,6 +3,7 @@
 #include "vtmtool/vtm_source.h"
 
 #include <charconv>
+#include <utility>
 
 #include "vtmtool/cp1252.h"
 
@@ -275,11 +276,19 @@ private:
         line = lineNo_;
     }
 
+
+    // The value word of a setting statement and where it stands; `missing`
+    // is the error when there is none.
+    std::pair<std::size_t, std::string_view> valueWord(const char* missing) {
+        skipBlanks();
+        const std::size_t at = pos_;
+        const std::string_view w = word();
+        if (w.empty()) fail(at, missing);
+        return {at, w};
+    }
     void version(std::size_t at) {
         if (scope_ == Scope::None) fail(at, "'version' must follow 'library' or 'container'");
-        const std::size_t valueAt = (skipBlanks(), pos_);
-        const std::string_view w = word();
-        if (w.empty()) fail(valueAt, "'version' needs a number");
+        const auto [valueAt, w] = valueWord("'version' needs a number");
         const auto v = static_cast<int32_t>(number(w, valueAt, 10, 199, "version"));
         expectEnd("the version");
         if (scope_ == Scope::Container) {
@@ -295,9 +304,7 @@ private:
     void system(std::size_t at) {
         if (scope_ == Scope::None) fail(at, "'system' must follow 'library'");
         if (scope_ == Scope::Container) fail(at, "'system' belongs to a library or segment, not to a container");
-        const std::size_t valueAt = (skipBlanks(), pos_);
-        const std::string_view w = word();
-        if (w.empty()) fail(valueAt, "'system' needs a number (0 or 1)");
+        const auto [valueAt, w] = valueWord("'system' needs a number (0 or 1)");
         const auto v = static_cast<int32_t>(number(w, valueAt, 0, 2147483647, "system flag"));
         expectEnd("the system flag");
         setting(at, "system", lines_->system);
@@ -307,9 +314,7 @@ private:
     void preload(std::size_t at) {
         if (scope_ == Scope::None) fail(at, "'preload' must follow 'library' or 'segment'");
         if (scope_ == Scope::Container) fail(at, "'preload' belongs to a segment, not to the container");
-        const std::size_t valueAt = (skipBlanks(), pos_);
-        const std::string_view w = word();
-        if (w.empty()) fail(valueAt, "'preload' needs a count or 'all'");
+        const auto [valueAt, w] = valueWord("'preload' needs a count or 'all'");
         const long v = equalsNoCase(w, "all") ? -1 : number(w, valueAt, 0, 2147483647, "preload count");
         expectEnd("the preload count");
         setting(at, "preload", lines_->preload);

@@ -201,13 +201,22 @@ bool writeFileAtomic(const char* libPath, const std::string& data) {
 
 void faultDiskFull(long bytesLeft) { diskFullLeft() = bytesLeft < 0 ? -1 : bytesLeft; }
 
-bool makeDir(const char* libPath) {
-    std::string host;
+// The host name of a directory to create; false (ENOENT) when the name has
+// none. `exists` tells whether it is a directory already.
+static bool dirToCreate(const char* libPath, std::string& host, bool& exists) {
     if (libPath == nullptr || !toHost(libPath, host)) {
         errno = ENOENT;
         return false;
     }
-    if (isHostDir(host)) return true;
+    exists = isHostDir(host);
+    return true;
+}
+
+bool makeDir(const char* libPath) {
+    std::string host;
+    bool exists;
+    if (!dirToCreate(libPath, host, exists)) return false;
+    if (exists) return true;
     if (::mkdir(host.c_str(), 0777) == 0) return true;
     return errno == EEXIST && isHostDir(host);
 }
@@ -219,11 +228,9 @@ bool makeDir(const char* libPath) {
  */
 bool makeDirs(const char* libPath) {
     std::string host;
-    if (libPath == nullptr || !toHost(libPath, host)) {
-        errno = ENOENT;
-        return false;
-    }
-    if (isHostDir(host)) return true;
+    bool exists;
+    if (!dirToCreate(libPath, host, exists)) return false;
+    if (exists) return true;
     for (std::size_t pos = 1; pos <= host.size(); ++pos) {
         if (pos < host.size() && host[pos] != '/') continue;
         std::string part = host.substr(0, pos);
