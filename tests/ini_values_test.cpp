@@ -5,6 +5,7 @@
 
 #include "support.h"
 
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -20,6 +21,7 @@
 #include "ini/profile.h"
 #include "vanto/ini.h"
 #include "vanto/lfn.h"
+#include "vanto/locale.h"
 
 namespace fs = std::filesystem;
 
@@ -94,6 +96,36 @@ TEST_F(IniValues, TypedWritesGiveWholeFileTexts) {
     for (const auto& r : rows) {
         r.act(*on("1"));
         EXPECT_EQ(text(), std::string("[S]\r\n") + r.after) << r.name;
+    }
+}
+
+TEST_F(IniValues, DecimalValuesFollowTheLocale) {
+    VntIntlTable german{{"sDecimal", ","}};
+    Vnt_SysSetIntlSource(&german);
+    Vnt_SysInfo(VNT_SI_RELOAD);
+    const struct { const char* name; std::function<void(VntIni&)> act; const char* after; } writes[] = {
+        {"places and the decimal character", [](VntIni& i) { i.WriteFloat("v", 1234.5, 2); }, "v=1234,50\r\n"},
+        {"rounded as text", [](VntIni& i) { i.WriteFloat("v", -2.345, 2); }, "v=-2,35\r\n"},
+        {"equal to its default deletes", [](VntIni& i) { i.WriteFloat("v", 2.5, 1, -1, 2.5); }, ""},
+        {"NaN deletes", [](VntIni& i) { i.WriteFloat("v", std::nan(""), 2, -1, 1.0); }, ""},
+        {"DX writes against 0.0, not its default",
+         [](VntIni& i) { double v = 3.0; i.DX(true, "v", v, 3.0, 1); }, "v=3,0\r\n"},
+        {"DX 0.0 deletes", [](VntIni& i) { double v = 0.0; i.DX(true, "v", v, 3.0, 1); }, ""},
+    };
+    for (const auto& r : writes) {
+        r.act(*on("1"));
+        EXPECT_EQ(text(), std::string("[S]\r\n") + r.after) << r.name;
+    }
+    const struct { const char* stored; int decimals; double want; } reads[] = {
+        {"2,345", 2, 2.35}, {"1,5", -1, 1.5}, {"1.5", 1, 1.5}, {"1.25", -1, 1.0}, {nullptr, 2, 7.25}, {"", 2, 7.25}, {"abc", 2, 0.0}, {"12,5kg", 0, 13.0},
+    };
+    for (const auto& r : reads) {
+        double out = -1;
+        on(r.stored)->ReadFloat("v", 7.25, out, r.decimals);
+        EXPECT_DOUBLE_EQ(out, r.want) << (r.stored ? r.stored : "(missing)");
+        double dx = -1;
+        on(r.stored)->DX(false, "v", dx, 7.25, r.decimals);
+        EXPECT_DOUBLE_EQ(dx, r.want) << (r.stored ? r.stored : "(missing)");
     }
 }
 

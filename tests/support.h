@@ -2,10 +2,13 @@
 #pragma once
 
 #include "app/paths.h"
+#include "cal/cal_state.h"
 #include "host/host.h"
 #include "ini/ini_stream.h"
 #include "ini/profile.h"
+#include "lfn/lfn_state.h"
 #include "msg/msg_internal.h"
+#include "msg/stat_state.h"
 #include "msg/vtm_internal.h"
 #include "vanto/ini.h"
 
@@ -22,6 +25,9 @@ inline void resetAll() {
     vnt::msg::resetTexts();
     vnt::msg::resetBox();
     vnt::msg::resetReports();
+    vnt::msg::resetStat();
+    vnt::cal::reset();
+    vnt::lfn::resetState();
 }
 
 }  // namespace vnt::test

@@ -216,6 +216,14 @@ public:
     long ReadInt(long def);
     /// Writes `value` in decimal; deletes the entry when `value` == `def`.
     bool WriteInt(const char* entry, long value, int num = -1, long def = 0);
+    /// The decimal value of `entry` rounded to `decimals` places ("," or "."
+    /// as the decimal point, see vanto/amount.h) into `out`; `def` when the
+    /// entry is missing or empty.
+    void ReadFloat(const char* entry, double def, double& out, int decimals, int num = -1);
+    /// Writes `value` with `decimals` places and the locale's decimal
+    /// character; deletes the entry when `value` does not differ from `def`
+    /// (a NaN included).
+    bool WriteFloat(const char* entry, double value, int decimals, int num = -1, double def = 0.0);
     /// The rectangle of the text "x, y, width, height" (parts split at
     /// commas, blanks and tabs; a part that is no number counts 0; missing
     /// parts keep the default's): "10, 20, 100, 50" => {10, 20, 110, 70}.
@@ -269,6 +277,9 @@ public:
     /// ReadInt / WriteInt(entry, value, num, def).
     void DX(bool write, const char* entry, long& value, long def = 0, int num = -1);
     void DX(bool write, const char* entry, int& value, int def = 0, int num = -1);
+    /// ReadFloat / WriteFloat(entry, value, decimals, num, 0.0): written
+    /// values are compared with 0.0, not with `def`.
+    void DX(bool write, const char* entry, double& value, double def, int decimals, int num = -1);
     /// Read: cut to 16 bits.
     void DX(bool write, const char* entry, short& value, short def = 0, int num = -1);
     /// Read: any number but 0 is true. Write: 0 or 1.

@@ -68,6 +68,24 @@ public:
     std::int64_t size();
     void close();
 
+    // Writing and copying (src/host/posix/host_copy.cpp)
+
+    /// Opens for binary writing: created when missing, truncated when not.
+    bool openWrite(const char* libPath);
+    /// Writes all `n` bytes at the file position; false on failure.
+    bool write(const void* buf, std::size_t n);
+    /// Which side of copyFrom failed.
+    enum class CopyFail { None, Read, Write };
+    /// Copies up to `n` bytes from `src`'s position to this file's position,
+    /// inside the host where it can (no pass through the caller), else
+    /// through `buf` (at least `n` bytes). Returns the bytes copied; 0 with
+    /// `fail` None is the end of the source. Read and Write faults apply.
+    std::size_t copyFrom(File& src, void* buf, std::size_t n, CopyFail& fail);
+    /// Gives this file the last-write time of `other` (to the nanosecond).
+    bool copyTimeFrom(File& other);
+    /// Tells the host the file will be read once from start to end.
+    void adviseSequential();
+
 private:
     int fd_ = -1;
     std::uint64_t pos_ = 0;  // kept here, so a seek costs no system call
@@ -118,8 +136,41 @@ void faultReset();
 /// Internal: true when this call of `op` shall fail.
 bool faultHit(Op op);
 
+// ---------------------------------------------------------------------------
+// The local clock (src/host/posix/host_clock.cpp)
+// ---------------------------------------------------------------------------
+
+/// A moment of the local clock, broken down.
+struct LocalTime {
+    int year = 0, month = 0, day = 0;     // 1-based month and day
+    int hour = 0, minute = 0, second = 0;
+    int millisecond = 0;
+    int weekday = 0;                      // 1 Monday .. 7 Sunday
+};
+/// The local date and time now (the fixed moment while one is set).
+LocalTime localNow();
+/// Makes localNow() answer `t` from now on; null: the real clock again.
+/// For tests, so that "today" is the same on every run.
+void setClock(const LocalTime* t);
+/// Milliseconds of a monotonic clock (unaffected by setClock).
+std::int64_t tickMs();
+
+// ---------------------------------------------------------------------------
+// National conventions (src/host/posix/host_intl.cpp)
+// ---------------------------------------------------------------------------
+
+/// One value of the system's "intl" settings, by its conventional key
+/// ("iCurrDigits", "iCountry", "sDecimal", "sThousand", "sTime",
+/// "sCurrency", "sLanguage", "sShortDate"), taken from the process's locale
+/// environment (LC_ALL, LC_<category>, LANG) in Windows-1252. False when the
+/// environment does not say (no locale set, the "C"/"POSIX" locale's date
+/// format, an unknown key).
+bool intlValue(const char* key, std::string& value);
+/// The operating system's version as major * 100 + minor (kernel 6.1: 601).
+unsigned osVersion();
+
 /// Restores the whole host state to its start (volume table, current
-/// directories, faults). For tests.
+/// directories, faults, the clock). For tests.
 void reset();
 
 }  // namespace vnt::host
@@ -200,5 +251,80 @@ void watchReset();
 /// Makes the next writeFileAtomic find only `bytesLeft` bytes of free space:
 /// it writes that much and then fails with ENOSPC. A negative count clears it.
 void faultDiskFull(long bytesLeft);
+
+}  // namespace vnt::host
+
+// ---------------------------------------------------------------------------
+// Directory listings, file status and times, attributes, removing
+// directories, free space and the environment (src/host/posix/host_find.cpp)
+// ---------------------------------------------------------------------------
+
+#include <vector>
+
+namespace vnt::host {
+
+/// Attribute bits of the platform word (as the find record carries them).
+inline constexpr unsigned long kAttrReadOnly = 0x01;
+inline constexpr unsigned long kAttrHidden = 0x02;
+inline constexpr unsigned long kAttrDirectory = 0x10;
+inline constexpr unsigned long kAttrArchive = 0x20;
+/// The attribute word of a name that cannot be read.
+inline constexpr unsigned long kAttrInvalid = 0xFFFFFFFFul;
+
+/// One directory entry or file with what a search reports of it. On POSIX:
+/// directory from the file type, read-only when the owner may not write,
+/// hidden for names beginning with ".", archive for plain files.
+struct DirEntry {
+    std::string name;              ///< Windows-1252, no directory part
+    unsigned long attributes = 0;  ///< kAttr* bits
+    std::uint64_t size = 0;        ///< bytes (0 for directories)
+    LocalTime modified;            ///< last write, local time
+};
+
+/// Lists the directory `libDir` (relative names against the current
+/// directory; "" is the current directory itself). Every entry the host
+/// gives, "." and ".." included, whose name has a Windows-1252 form and
+/// that `want` (may be null) accepts, in the host's order. An entry that
+/// vanishes while it is looked at is left out. False (Op::List faults
+/// apply) when the directory cannot be read.
+bool listDir(const char* libDir, bool (*want)(const std::string& name, void* ctx), void* ctx,
+             std::vector<DirEntry>& out);
+/// The entry of one name (Op::Stat faults apply); false when it does not
+/// exist or cannot be read.
+bool fileInfo(const char* libPath, DirEntry& out);
+/// The attribute word of a name, kAttrInvalid when it cannot be read
+/// (Op::Stat faults apply).
+unsigned long fileAttributes(const char* libPath);
+/// Sets the attributes: read-only clears every write permission, its
+/// absence gives the owner's back; the other bits have no POSIX form and
+/// are ignored (Op::Write faults apply).
+bool setFileAttributes(const char* libPath, unsigned long attributes);
+/// Last-write time of a file opened for reading, in local time; false for
+/// a directory or a file that cannot be opened (Op::Open faults apply).
+bool fileWriteTime(const char* libPath, LocalTime& out);
+/// Sets only the last-write time of a file opened for writing, from local
+/// time (a time that falls into a daylight-saving gap is moved as the C
+/// library's mktime moves it). False for a directory, a file that cannot be
+/// opened for writing (Op::Open faults apply) or a time the host cannot hold.
+bool setFileWriteTime(const char* libPath, const LocalTime& t);
+/// Removes an empty directory (Op::Remove faults apply).
+bool removeDir(const char* libPath);
+/// Free blocks available to the program and their size on the volume
+/// `letter` (Op::Stat faults apply); false for an unknown volume.
+bool freeSpace(char letter, std::uint64_t& blocks, std::uint64_t& blockSize);
+/// The value of an environment variable in Windows-1252; false when it is
+/// not set or has no Windows-1252 form.
+bool envValue(const char* name, std::string& value);
+
+}  // namespace vnt::host
+
+// ---------------------------------------------------------------------------
+// The terminal for drawing (src/host/posix/host_term.cpp)
+// ---------------------------------------------------------------------------
+
+namespace vnt::host {
+
+/// True when standard error is a terminal (a line may be redrawn in place).
+bool stderrTerminal();
 
 }  // namespace vnt::host

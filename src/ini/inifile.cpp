@@ -22,11 +22,7 @@ constexpr VNTINI_TYPE kInitialType = VNTINI_ACCESS_RW | VNTINI_USER;
 bool given(const char* s) { return s != nullptr && *s != '\0'; }
 
 // The directory part of a file name, created with every missing parent.
-void makeFileDir(const char* file) {
-    char dir[VNT_MAX_PATH];
-    Vnt_LfnNameSplit(file, dir, nullptr, nullptr);
-    if (dir[0]) vnt::host::makeDirs(dir);
-}
+void makeFileDir(const char* file) { Vnt_LfnDirCreateFromFile(file); }
 
 // A stand-in for the Windows directory on hosts without one: the program's
 // own directory, the one place every application of the family can write.

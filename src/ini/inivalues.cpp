@@ -9,6 +9,7 @@
 #include "base/format.h"
 #include "base/strbuf.h"
 #include "ini/ini_stream.h"
+#include "vanto/amount.h"
 #include "vanto/ini.h"
 
 namespace {
@@ -100,6 +101,23 @@ long VntIni::ReadInt(long def) { return ReadInt(nullptr, def, -1); }
 
 bool VntIni::WriteInt(const char* entry, long value, int num, long def) {
     return WriteStr(entry, value == def ? nullptr : numberText(value), num);
+}
+
+void VntIni::ReadFloat(const char* entry, double def, double& out, int decimals, int num) {
+    std::string defText;
+    Vnt_FloatToStr(defText, def, decimals, true);
+    char buf[60];
+    if (ReadStr(entry, defText.c_str(), buf, sizeof buf, num) == 0)
+        out = def;
+    else
+        Vnt_FloatFromStr(buf, &out, decimals);
+}
+
+bool VntIni::WriteFloat(const char* entry, double value, int decimals, int num, double def) {
+    const bool same = !(value < def) && !(value > def);
+    std::string text;
+    if (!same) Vnt_FloatToStr(text, value, decimals, true);
+    return WriteStr(entry, same ? nullptr : text.c_str(), num);
 }
 
 /* Reads "x, y, width, height" into the library-wide rectangle, starting
@@ -194,6 +212,11 @@ void VntIni::DX(bool write, const char* entry, int& value, int def, int num) {
     long v = value;
     DX(write, entry, v, static_cast<long>(def), num);
     if (!write) value = clamp32(v);
+}
+
+void VntIni::DX(bool write, const char* entry, double& value, double def, int decimals, int num) {
+    if (write) written(WriteFloat(entry, value, decimals, num, 0.0));
+    else ReadFloat(entry, def, value, decimals, num);
 }
 
 void VntIni::DX(bool write, const char* entry, short& value, short def, int num) {

@@ -7,7 +7,6 @@
 #include <string_view>
 
 #include "base/strbuf.h"
-#include "host/host.h"
 #include "ini/ini_stream.h"
 #include "vanto/app.h"
 #include "vanto/ini.h"
@@ -68,7 +67,7 @@ const char* Vnt_IniAppPath(char (*dst)[VNT_MAX_PATH]) {
         char prog[VNT_MAX_PATH];
         if (Vnt_LfnProgDirName(prog, sizeof prog)) Vnt_LfnNameMake(path, VNT_MAX_PATH, prog, "INI", nullptr);
     }
-    if (path[0]) vnt::host::makeDirs(path);
+    if (path[0]) Vnt_LfnDirCreate(path);
     return deliver(path, dst);
 }
 
@@ -84,7 +83,7 @@ const char* Vnt_IniUserPath(char (*dst)[VNT_MAX_PATH]) {
         }
     }
     // Made again in every call: the user may have removed it meanwhile.
-    if (s.userPath[0]) vnt::host::makeDirs(s.userPath);
+    if (s.userPath[0]) Vnt_LfnDirCreate(s.userPath);
     return deliver(s.userPath, dst);
 }
 

@@ -36,9 +36,7 @@ bool read(const char* file, const char* section, const char* key, std::string& v
 bool write(const char* file, const char* section, const char* key, const char* value) {
     if (file == nullptr || section == nullptr || key == nullptr || value == nullptr) return false;
     const std::string val(trim(value));
-    VNT_PATH dir;
-    Vnt_LfnNameSplit(file, dir, nullptr, nullptr);
-    if (dir[0] != '\0' && !host::makeDirs(dir)) return false;
+    if (!Vnt_LfnDirCreateFromFile(file)) return false;
     return Vnt_ProfileWriteString(section, key, val.c_str(), file);
 }
 

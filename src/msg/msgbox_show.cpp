@@ -383,7 +383,7 @@ bool Vnt_MsgBoxCopy(const VntBoxModel& box) {
 bool Vnt_MsgBoxEdit(const VntBoxModel& box) {
     VNT_PATH dir, file;
     if (!Vnt_LfnProgDirName(dir, sizeof dir)) return false;
-    if (!Vnt_LfnNameMake(dir, dir, "TEMP", nullptr) || !vnt::host::makeDirs(dir)) return false;
+    if (!Vnt_LfnNameMake(dir, dir, "TEMP", nullptr) || !Vnt_LfnDirCreate(dir)) return false;
     if (!Vnt_LfnNameMake(file, dir, "VantoErr.tmp", nullptr)) return false;
     VntWindowPort& win = Vnt_UiWindow();
     win.BusyCursor(true);

@@ -457,6 +457,7 @@ void reset() {
     // The process's working directory is left where it is; the table is
     // rebuilt from it on the next use.
     s = HostState{};
+    setClock(nullptr);
 }
 
 }  // namespace vnt::host

@@ -1,0 +1,124 @@
+// Writing files and copying their contents.
+#include "host/host.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace vnt::host {
+
+bool File::openWrite(const char* libPath) {
+    close();
+    std::string host;
+    if (!toHost(libPath, host)) {
+        errno = ENOENT;
+        return false;
+    }
+    if (faultHit(Op::Open)) {
+        errno = EIO;
+        return false;
+    }
+    int fd;
+    do fd = ::open(host.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    while (fd < 0 && errno == EINTR);
+    if (fd < 0) return false;
+    fd_ = fd;
+    pos_ = 0;
+    return true;
+}
+
+namespace {
+// Writes all of `n` bytes at `pos`; false (errno set) when the host refuses.
+bool writeAll(int fd, std::uint64_t pos, const char* p, std::size_t n, std::size_t& done) {
+    done = 0;
+    while (done < n) {
+        ssize_t w = ::pwrite(fd, p + done, n - done, static_cast<off_t>(pos + done));
+        if (w < 0 && errno == EINTR) continue;
+        if (w <= 0) {
+            if (w == 0) errno = ENOSPC;
+            return false;
+        }
+        done += static_cast<std::size_t>(w);
+    }
+    return true;
+}
+}  // namespace
+
+bool File::write(const void* buf, std::size_t n) {
+    if (fd_ < 0) {
+        errno = EBADF;
+        return false;
+    }
+    if (faultHit(Op::Write)) {
+        errno = EIO;
+        return false;
+    }
+    std::size_t done = 0;
+    const bool ok = writeAll(fd_, pos_, static_cast<const char*>(buf), n, done);
+    pos_ += done;
+    return ok;
+}
+
+std::size_t File::copyFrom(File& src, void* buf, std::size_t n, CopyFail& fail) {
+    fail = CopyFail::None;
+    if (src.fd_ < 0 || faultHit(Op::Read)) {
+        errno = src.fd_ < 0 ? EBADF : EIO;
+        fail = CopyFail::Read;
+        return 0;
+    }
+    if (fd_ < 0 || faultHit(Op::Write)) {
+        errno = fd_ < 0 ? EBADF : EIO;
+        fail = CopyFail::Write;
+        return 0;
+    }
+#ifdef __linux__
+    // In the kernel: no copy through user space, and reflinks where the file
+    // system shares extents. Any failure is retried below through the
+    // buffer, which also tells which side failed.
+    loff_t in = static_cast<loff_t>(src.pos_), out = static_cast<loff_t>(pos_);
+    ssize_t c;
+    do c = ::copy_file_range(src.fd_, &in, fd_, &out, n, 0);
+    while (c < 0 && errno == EINTR);
+    if (c >= 0) {
+        src.pos_ += static_cast<std::uint64_t>(c);
+        pos_ += static_cast<std::uint64_t>(c);
+        return static_cast<std::size_t>(c);
+    }
+#endif
+    std::size_t got = 0;
+    auto* p = static_cast<char*>(buf);
+    while (got < n) {
+        ssize_t r = ::pread(src.fd_, p + got, n - got, static_cast<off_t>(src.pos_ + got));
+        if (r < 0 && errno == EINTR) continue;
+        if (r < 0) {
+            fail = CopyFail::Read;
+            return 0;
+        }
+        if (r == 0) break;
+        got += static_cast<std::size_t>(r);
+    }
+    src.pos_ += got;
+    std::size_t done = 0;
+    const bool ok = writeAll(fd_, pos_, p, got, done);
+    pos_ += done;
+    if (!ok) {
+        fail = CopyFail::Write;
+        return 0;
+    }
+    return got;
+}
+
+bool File::copyTimeFrom(File& other) {
+    struct stat st;
+    if (fd_ < 0 || other.fd_ < 0 || ::fstat(other.fd_, &st) != 0) return false;
+    const timespec times[2] = {st.st_atim, st.st_mtim};
+    return ::futimens(fd_, times) == 0;
+}
+
+void File::adviseSequential() {
+    if (fd_ >= 0) ::posix_fadvise(fd_, 0, 0, POSIX_FADV_SEQUENTIAL);
+}
+
+}  // namespace vnt::host

@@ -1,0 +1,352 @@
+// Copying files, by pattern and whole trees, with a progress dialog and
+// retry questions.
+#include "vanto/filecopy.h"
+
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "base/strbuf.h"
+#include "host/host.h"
+#include "vanto/stat.h"
+
+namespace {
+
+constexpr const char* kSource = "VntFileCopy";
+constexpr std::size_t kChunk = 16384;
+constexpr unsigned long kMiB = 1048576;
+
+// Message numbers of the system library.
+constexpr long kMsgCopying = 60022;
+constexpr long kMsgScanning = 60023;
+constexpr long kMsgSkipping = 60024;
+constexpr long kMsgNotFound = 60025;
+constexpr long kMsgCopyFailed = 60026;
+
+std::string displayName(const char* name, long width) { return Vnt_LfnNameOut(name, width); }
+
+// Asks a retry question of the system library, held open while asking.
+VNT_RESP askRetry(long id, const std::string& name, const std::string& error) {
+    VNT_MSG sys = Vnt_MsgHInit();
+    const VNT_RESP r = Vnt_MsgH(sys, id, name.c_str(), error.c_str());
+    if (sys) Vnt_MsgHTerm(&sys);
+    return r;
+}
+
+// A progress dialog made by the copier, given its message handle and title.
+VntStat* makeDialog(VNT_MSG msg, long title) {
+    auto* stat = new (std::nothrow) VntStat(0, 1, 0);
+    if (!stat) return nullptr;
+    if (msg) stat->Setup(0, 1, 0, msg);
+    if (title) stat->SetTitle(title);
+    return stat;
+}
+
+}  // namespace
+
+void VntFileCopy::_init_(int objectSize, int procTableSize, VntStat* stat, long title) {
+    // Diagnostics only: a caller built against another layout goes on.
+    if (objectSize != static_cast<int>(sizeof(VntFileCopy)))
+        Vnt_MsgBox("!'VntFileCopy' size is %d - should be %d.\n", objectSize, static_cast<int>(sizeof(VntFileCopy)));
+    if (procTableSize != kProcTableSize)
+        Vnt_MsgBox("!'VntFileCopy' proc table size is %d - should be %d.\n", procTableSize, kProcTableSize);
+    objectSize_ = objectSize;
+    procTableSize_ = procTableSize;
+    stat_ = stat;
+    title_ = title;
+}
+
+VntFileCopy::~VntFileCopy() {
+    Close();
+    delete singleStat_;
+    delete[] paths_;
+}
+
+void VntFileCopy::Setup(VntStat* stat, long title, VNT_MSG msg) {
+    if (stat) {
+        stat_ = stat;
+        Close();
+    }
+    title_ = title;
+    if (msg) msg_ = msg;
+}
+
+bool VntFileCopy::SetFolders(const char* source, const char* target) {
+    if (!paths_) paths_ = new (std::nothrow) char[4][VNT_MAX_PATH]();
+    if (Vnt__InternalError(!paths_, 1, kSource, __LINE__)) return false;
+    if (source) {
+        vnt::copyBounded(paths_[0], source);
+        sourceLen_ = std::strlen(paths_[0]);
+    }
+    if (target) vnt::copyBounded(paths_[1], target);
+    return true;
+}
+
+bool VntFileCopy::ensureFolders() { return !Vnt__InternalError(!paths_, 2, kSource, __LINE__); }
+
+void VntFileCopy::Close() {
+    Vnt_LfnFindClose(&find_);
+    if (patternStat_) {
+        delete patternStat_;
+        patternStat_ = nullptr;
+        stat_ = nullptr;
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Pattern copy
+// ---------------------------------------------------------------------------
+
+bool VntFileCopy::CopyFirst(const char* source, const char* target, const char* pattern, char* found) {
+    if (!SetFolders(source, target) || !ensureFolders()) return false;
+    Vnt_LfnFindClose(&find_);
+    if (!Vnt_LfnFileFindFirst(found, paths_[0], pattern, &find_)) return false;
+    if (!stat_) stat_ = patternStat_ = makeDialog(msg_, title_);
+    Copy(paths_[0], paths_[1], Vnt_LfnFileName());
+    return error_ == VNT_FC_OK;
+}
+
+bool VntFileCopy::CopyNext(char* found) {
+    if (!ensureFolders() || !find_) return false;
+    if (!Vnt_LfnFileFindNext(&find_, found)) return false;
+    Copy(paths_[0], paths_[1], Vnt_LfnFileName());
+    return error_ == VNT_FC_OK;
+}
+
+// ---------------------------------------------------------------------------
+// One file
+// ---------------------------------------------------------------------------
+
+std::uint32_t VntFileCopy::Copy(const char* sourceDir, const char* targetDir, const char* name) {
+    VNT_PATH source, target;
+    Vnt_LfnNameMake(source, sourceDir, name, nullptr);
+    Vnt_LfnNameMake(target, targetDir, name, nullptr);
+    return Copy(source, target);
+}
+
+std::uint32_t VntFileCopy::Copy(const char* name) {
+    if (!ensureFolders()) return 0;
+    return Copy(paths_[0], paths_[1], name);
+}
+
+std::uint32_t VntFileCopy::Copy(const char* source, const char* target) {
+    error_ = VNT_FC_OK;
+    if (!source || !target) return 0;
+    // Our own copies: the names may live in buffers the searches below reuse.
+    VNT_PATH src, dst;
+    vnt::copyBounded(src, source);
+    vnt::copyBounded(dst, target);
+    if (!Vnt_LfnFileFind(src, nullptr)) return 0;
+    length_ = static_cast<std::uint32_t>(Vnt_LfnFileLength());
+    sourceAttr_ = static_cast<std::uint32_t>(Vnt_LfnFileAttr());
+    sourceTime_ = static_cast<std::uint32_t>(Vnt_LfnFileDateTime());
+    targetAttr_ = targetTime_ = 0;
+
+    if (!stat_) {
+        stat_ = singleStat_ = makeDialog(msg_, title_);
+        if (!stat_) return 0;
+    }
+    const std::uint32_t result = copyOne(src, dst);
+    if (singleStat_) {
+        delete singleStat_;
+        if (stat_ == singleStat_) stat_ = nullptr;
+        singleStat_ = nullptr;
+    }
+    return result;
+}
+
+std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
+    if (Vnt_LfnFileFind(dst, nullptr)) {
+        targetAttr_ = static_cast<std::uint32_t>(Vnt_LfnFileAttr());
+        targetTime_ = static_cast<std::uint32_t>(Vnt_LfnFileDateTime());
+        if (overwrite_ == OW_NEVER || (overwrite_ == OW_IFNOTNEWER && targetTime_ > sourceTime_)) {
+            error_ = VNT_FC_SKIPPED;
+            if (!(treeMode_ & 1)) showFile(src, dst, true, 0);
+            return length_;
+        }
+    }
+    if (treeMode_ != TM_COPY) return length_;
+
+    std::unique_ptr<char[]> buf(new (std::nothrow) char[kChunk]);
+    if (!buf) {
+        error_ = VNT_FC_NOMEM;
+        return 0;
+    }
+    const std::size_t chunk = length_ < kChunk ? length_ : kChunk;
+    std::uint32_t bytes = 0;
+    bool done = false;
+    vnt::host::File in, out;
+    for (;;) {
+        error_ = VNT_FC_OK;
+        bytes = 0;
+        unsigned long packed = 0;
+        bool sourceOpened = false;
+        if (!Vnt_LfnFileTimeGetp(src, &packed) || !(sourceOpened = in.openRead(src))) {
+            error_ = VNT_FC_SOURCE;
+        } else {
+            in.adviseSequential();
+            Vnt_LfnDirCreateFromFile(dst);
+            if (!out.openWrite(dst)) error_ = VNT_FC_TARGET;
+        }
+        if (error_ == VNT_FC_OK) {
+            if (!showFile(src, dst, false, 0)) break;
+            bool eof = false;
+            while (!eof) {
+                if (stat_->IsCancel()) {
+                    error_ = VNT_FC_CANCEL;
+                    break;
+                }
+                vnt::host::File::CopyFail fail;
+                const std::size_t n = out.copyFrom(in, buf.get(), chunk ? chunk : kChunk, fail);
+                if (fail != vnt::host::File::CopyFail::None) {
+                    error_ = fail == vnt::host::File::CopyFail::Read ? VNT_FC_READ : VNT_FC_WRITE;
+                    break;
+                }
+                if (n == 0) {
+                    eof = true;
+                    break;
+                }
+                bytes += static_cast<std::uint32_t>(n);
+                stat_->Progress(static_cast<unsigned long>(bytes));
+            }
+            if (error_ == VNT_FC_CANCEL) break;  // no question after a cancel
+            if (eof) {
+                done = true;
+                break;
+            }
+        }
+        // Ask whether to try again, naming the file that failed.
+        const unsigned long err = vnt::host::lastError();
+        const bool missing = err == ENOENT && !sourceOpened;
+        in.close();
+        out.close();
+        const VNT_RESP r = askRetry(missing ? kMsgNotFound : kMsgCopyFailed,
+                                    displayName(sourceOpened ? dst : src, 38), vnt::host::errorText(err));
+        if (r == VNT_RESP_CANCEL || r == VNT_RESP_NO || missing) break;
+    }
+
+    // The copy keeps the source's time (to the nanosecond, which the packed
+    // form cannot hold); an unfinished target is removed, also one that
+    // existed before and was truncated.
+    if (done) out.copyTimeFrom(in);
+    const bool targetOpened = out.isOpen();
+    in.close();
+    out.close();
+    if (!done && (targetOpened || error_ != VNT_FC_SOURCE)) vnt::host::removeFile(dst);
+    if (stat_) stat_->SetCount(0, 0);
+    return done ? bytes : 0;
+}
+
+bool VntFileCopy::showFile(const char* source, const char* target, bool skipped, std::uint32_t bytes) {
+    if (!stat_) return false;
+    stat_->SetCount(length_, 0);
+    if (skipped && (treeMode_ & 1)) return true;
+    const std::string to = displayName(target, 34);
+    bool shown;
+    if (skipped) {
+        shown = stat_->IsOpen() ? stat_->Msg(kMsgSkipping, to.c_str()) : stat_->Begin(kMsgSkipping, to.c_str());
+    } else {
+        const std::string from = displayName(source, 34);
+        const long id = (treeMode_ & 1) ? kMsgScanning : kMsgCopying;
+        shown = stat_->IsOpen() ? stat_->Msg(id, from.c_str(), to.c_str())
+                                : stat_->Begin(id, from.c_str(), to.c_str());
+    }
+    (void)shown;
+    if (stat_->IsOpen()) {
+        stat_->Progress(static_cast<unsigned long>(bytes));
+        return true;
+    }
+    error_ = VNT_FC_NODIALOG;
+    return false;
+}
+
+void VntFileCopy::SetCountForAll(double total) {
+    if (total < 0) total = total_;
+    if (stat_) stat_->SetCountForAll(static_cast<unsigned long>(total));
+}
+
+// ---------------------------------------------------------------------------
+// Tree walk
+// ---------------------------------------------------------------------------
+
+bool VntFileCopy::TreeCopy(const char* source) { return tree(TM_COPY, source); }
+bool VntFileCopy::TreeScan(const char* source) { return tree(TM_SCAN, source); }
+bool VntFileCopy::TreeCompare(const char* source) { return tree(TM_COMPARE, source); }
+
+bool VntFileCopy::tree(int mode, const char* source) {
+    treeMode_ = mode;
+    total_ = 0;
+    totalMiB_ = totalRest_ = 0;
+    differences_ = 0;
+    depth_ = 0;
+    const bool ok = SetFolders(source, nullptr) && ensureFolders() && walk(paths_[0]);
+    treeMode_ = TM_COPY;
+    return ok;
+}
+
+// The target name of a name below the source folder.
+void VntFileCopy::targetOf(const char* source, char (&target)[VNT_MAX_PATH]) const {
+    const char* rel = source + (std::strlen(source) >= sourceLen_ ? sourceLen_ : std::strlen(source));
+    while (*rel == '\\') ++rel;
+    if (*rel)
+        Vnt_LfnNameMake(target, paths_[1], rel, nullptr);
+    else
+        vnt::copyBounded(target, paths_[1]);
+}
+
+bool VntFileCopy::walk(const char* dir) {
+    const bool scanning = (treeMode_ & 1) != 0;
+    if (depth_ == 0 && !stat_) stat_ = patternStat_ = makeDialog(msg_, title_);
+    ++depth_;
+    VNT_PATH here, there;
+    vnt::copyBounded(here, dir);
+    targetOf(here, there);
+    if (!scanning) Vnt_LfnDirCreate(there);
+
+    bool ok = true;
+    VNT_PATH found, target;
+    VNT_LFN_HFIND h = nullptr;
+    // Subdirectories first, depth first.
+    for (bool more = Vnt_LfnDirFindFirst(found, here, "*.*", &h); more && ok;
+         more = Vnt_LfnDirFindNext(&h, found)) {
+        targetOf(found, target);
+        bool skip = false;
+        ok = scanning ? OnScanDir(found, target, &skip) : OnCopyDir(found, target, &skip);
+        if (ok && !skip) ok = walk(found);
+    }
+    Vnt_LfnFindClose(&h);
+
+    for (bool more = ok && Vnt_LfnFileFindFirst(found, here, "*.*", &h); more && ok;
+         more = Vnt_LfnFileFindNext(&h, found)) {
+        const unsigned long length = Vnt_LfnFileLength();
+        const unsigned long stamp = Vnt_LfnFileDateTime();
+        total_ += static_cast<double>(length);
+        totalRest_ += length % kMiB;
+        totalMiB_ += length / kMiB + totalRest_ / kMiB;
+        totalRest_ %= kMiB;
+        targetOf(found, target);
+        bool skip = false;
+        ok = scanning ? OnScanFile(found, target, &skip) : OnCopyFile(found, target, &skip);
+        if (!ok) break;
+        if (skip) continue;
+        if (treeMode_ == TM_COMPARE) {
+            // The file differs when the target is missing, or has another
+            // length or time.
+            if (!Vnt_LfnFileFind(target, nullptr) || Vnt_LfnFileLength() != length ||
+                Vnt_LfnFileDateTime() != stamp)
+                ++differences_;
+        } else if (!scanning) {
+            Copy(found, target);
+            ok = !IsError() && !IsCancel();
+        }
+    }
+    Vnt_LfnFindClose(&h);
+    --depth_;
+    return ok;
+}
+
+bool VntFileCopy::OnScanFile(char*, char*, bool*) { return true; }
+bool VntFileCopy::OnCopyFile(char*, char*, bool*) { return true; }
+bool VntFileCopy::OnScanDir(char*, char*, bool*) { return true; }
+bool VntFileCopy::OnCopyDir(char*, char*, bool*) { return true; }

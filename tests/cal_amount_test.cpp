@@ -1,0 +1,401 @@
+// Amounts: the rounding rule against an exact model of it, money and
+// percentages, the text forms under a German and an English record, reading
+// with either separator, and independence of the C run time's locale.
+
+#include <gtest/gtest.h>
+
+#include "support.h"
+
+#include <clocale>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <string>
+
+#include "vanto/amount.h"
+#include "vanto/lfn.h"
+#include "vanto/locale.h"
+#include "vanto/msg.h"
+#include "vanto/ui/msgbox.h"
+
+namespace {
+
+class Amount : public ::testing::Test {
+protected:
+    void SetUp() override {
+        vnt::test::resetAll();
+        old_ = Vnt_UiSetPresenter(&box);
+        useLocale(",", "2");
+    }
+    void TearDown() override {
+        Vnt_UiSetPresenter(old_);
+        vnt::test::resetAll();
+    }
+    void useLocale(const char* decimal, const char* currDigits) {
+        table_ = VntIntlTable{{"sDecimal", decimal}, {"sThousand", "."}, {"iCurrDigits", currDigits}};
+        Vnt_SysSetIntlSource(&table_);
+        Vnt_SysInfo(VNT_SI_RELOAD);
+    }
+    VntScriptedPresenter box;
+    VntMsgPresenter* old_ = nullptr;
+    VntIntlTable table_;
+};
+
+// ---- Rounding -------------------------------------------------------------
+
+// The rule, stated exactly: the fraction times the single-precision scale is
+// formed as an exact integer product, rounded to 53 bits as the machine's
+// multiplication does, and its remainder compared with the smallest value
+// that single precision rounds to one half (0.5 - 2^-26, the tie going to
+// the even 0.5).
+__extension__ typedef unsigned __int128 u128;
+
+double modelRound(double x, int d) {
+    static const std::uint64_t kScale[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000,
+                                           100000000, 1000000000, 10000000000ull,
+                                           99999997952ull, 999999995904ull};  // 1e11f, 1e12f
+    const double whole = std::trunc(x);
+    int e = 0;
+    const double m = std::frexp(std::fabs(x), &e);
+    const auto mant = static_cast<std::uint64_t>(std::ldexp(m, 53));
+    const int k = 53 - e;                      // |x| = mant / 2^k
+    if (k <= 0 || k > 100) return whole;       // no fraction, or one far below any half
+    const u128 frac = u128(mant) & ((u128(1) << k) - 1);
+    const u128 p = frac * kScale[d];           // the product is p / 2^k
+    int bits = 0;
+    for (u128 t = p; t; t >>= 1) ++bits;
+    const int drop = bits > 53 ? bits - 53 : 0;
+    u128 q = p >> drop;
+    if (drop > 0) {
+        const u128 rest = p - (q << drop), half = u128(1) << (drop - 1);
+        if (rest > half || (rest == half && (q & 1))) ++q;
+    }
+    const int t = k - drop;                    // the rounded product is q / 2^t
+    u128 units = t <= 0 ? q << -t : q >> t;
+    if (t > 0) {
+        const u128 rnum = q & ((u128(1) << t) - 1), rden = u128(1) << t;
+        if ((rnum << 26) >= ((u128(1) << 25) - 1) * rden) ++units;
+    }
+    const double step = static_cast<double>(units) / static_cast<double>(kScale[d]);
+    return x < 0 ? whole - step : whole + step;
+}
+
+TEST_F(Amount, RoundingHalvesAndLimits) {
+    useLocale(",", "3");
+    const struct { double value; int decimals; double expect; bool changed; } rows[] = {
+        {2.345, 2, 2.35, true},            // the double lies below 2.345
+        {-2.345, 2, -2.35, true},
+        {2.344999, 2, 2.34, true},
+        {2.3449999999, 2, 2.35, true},     // remainder within single precision of one half
+        {2.344999999, 2, 2.34, true},      // ... and just outside it
+        {0.005, 2, 0.01, true},
+        {1.005, 2, 1.01, true},
+        {2.675, 2, 2.68, true},
+        {0.49999999999999994, 0, 1.0, true},
+        {-0.5, 0, -1.0, true},
+        {2.35, 2, 2.35, false},
+        {1e15 + 0.5, 0, 1e15 + 1, true},
+        {-(1e15 + 0.5), 0, -(1e15 + 1), true},
+        {1e15 + 0.125, 2, 1e15 + 0.125, false},  // 0.13 is not there at this magnitude
+        {123456789.125, 2, 123456789.13, true},
+        {1e300, 4, 1e300, false},
+        {2.3455, -1, 2.346, true},         // currency places
+        {2.0005, -7, 2.001, true},
+    };
+    for (const auto& r : rows) {
+        double v = r.value;
+        EXPECT_EQ(Vnt_FloatRound(&v, r.decimals), r.changed) << r.value << " @" << r.decimals;
+        EXPECT_DOUBLE_EQ(v, r.expect) << r.value << " @" << r.decimals;
+    }
+    for (double x : {0.1234567890123456, 7.000000000000499, -3.14159265358979}) {
+        double at15 = x, at12 = x;
+        Vnt_FloatRound(&at15, 15);
+        Vnt_FloatRound(&at12, 12);
+        EXPECT_EQ(at15, at12) << "more than 12 places round to 12";
+    }
+    double v = 2.345;
+    EXPECT_TRUE(Vnt_FloatRound2(&v) && v == 2.35);
+    v = 2.3455;
+    EXPECT_TRUE(Vnt_MoneyRound(&v) && v == 2.346);
+    double odd[] = {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
+    for (double& o : odd) EXPECT_FALSE(Vnt_FloatRound(&o, 2)) << o;
+    double nan = std::nan("");
+    EXPECT_FALSE(Vnt_FloatRound(&nan, 2));
+    EXPECT_TRUE(std::isnan(nan) && std::isinf(odd[0]) && box.shown.empty());
+}
+
+TEST_F(Amount, RoundingMatchesTheExactModel) {
+    std::mt19937_64 rng(20240611);
+    std::uniform_real_distribution<double> mantissa(1.0, 10.0), nudge(-3.0, 3.0);
+    std::uniform_int_distribution<int> places(0, 12), exponent(-14, 16), coin(0, 1);
+    std::uniform_int_distribution<std::int64_t> steps(0, 99999999);
+    int mismatches = 0;
+    for (int i = 0; i < 200000; ++i) {
+        const int d = places(rng);
+        double x;
+        if (i % 2) {  // anywhere across the magnitudes
+            x = mantissa(rng) * std::pow(10.0, exponent(rng));
+        } else {      // near a half of the last place, across the single-precision window
+            const double unit = std::pow(10.0, -d);
+            x = (static_cast<double>(steps(rng) % 100000) + 0.5) * unit + nudge(rng) * 1.5e-8 * unit;
+        }
+        if (coin(rng)) x = -x;
+        double v = x;
+        const bool changed = Vnt_FloatRound(&v, d);
+        const double expect = modelRound(x, d);
+        if (v != expect || changed != (std::fabs(expect - x) >= 2.220446049250313e-16)) {
+            if (++mismatches <= 10) ADD_FAILURE() << std::hexfloat << x << " @" << d << ": " << v << " model " << expect;
+        }
+    }
+    EXPECT_EQ(mismatches, 0);
+}
+
+// What the rule is for: a decimal typed with one place more rounds its half
+// away from zero, although most such decimals have no exact double.
+TEST_F(Amount, TypedHalvesRoundAwayFromZero) {
+    std::mt19937_64 rng(7);
+    std::uniform_int_distribution<std::int64_t> digits(-99999999, 99999999);
+    std::uniform_int_distribution<int> places(0, 7);
+    for (int i = 0; i < 50000; ++i) {
+        const std::int64_t m = digits(rng) / 10 * 10 + (i % 2 ? 5 : i % 10);  // many last digits 5
+        const int d = places(rng);
+        const double unit = std::pow(10.0, d);
+        double v = static_cast<double>(m) / (unit * 10);
+        Vnt_FloatRound(&v, d);
+        const std::int64_t away = (std::llabs(m) / 10 + (std::llabs(m) % 10 >= 5)) * (m < 0 ? -1 : 1);
+        ASSERT_NEAR(v * unit, static_cast<double>(away), 1e-6) << m << " / 10^" << d + 1;
+    }
+}
+
+// ---- Money ----------------------------------------------------------------
+
+TEST_F(Amount, MoneyPercentagesAndDiscounts) {
+    const struct { double amount, percent; bool included; double expect; } pct[] = {
+        {119.00, 19, true, 19.00}, {100.00, 19, false, 19.00}, {33.33, 19, true, 5.32},
+        {10.00, 7, false, 0.70}, {0.03, 16, false, 0.00}, {-119.00, 19, true, -19.00},
+    };
+    for (const auto& r : pct) {
+        double out = -1;
+        Vnt_FloatProzBetrag(&out, r.amount, r.percent, r.included);
+        EXPECT_DOUBLE_EQ(out, r.expect) << r.amount << " " << r.percent << "% " << r.included;
+    }
+    const struct { double amount, percent; bool deduct; double expect; } disc[] = {
+        {200.00, 10, true, 180.00}, {180.00, 10, false, 200.00},
+        {99.99, 3, true, 96.99}, {33.333, 10, true, 30.003},  // the amount itself is not rounded
+    };
+    for (const auto& r : disc) {
+        double a = r.amount;
+        Vnt_FloatRabattBetrag(&a, r.percent, r.deduct);
+        EXPECT_DOUBLE_EQ(a, r.expect) << r.amount << " " << r.percent << "% " << r.deduct;
+    }
+    const struct { double amount, percent; bool included, add; double expect; } total[] = {
+        {100.00, 19, false, true, 119.00},   // net to gross
+        {119.00, 19, true, false, 100.00},   // gross to net
+        {10.005, 19, false, true, 11.91},    // 1.90 of the unrounded 10.005, added to 10.01
+        {10.00, 10, false, false, 9.00},
+    };
+    for (const auto& r : total) {
+        double a = r.amount;
+        Vnt_FloatBetrag(&a, r.percent, r.included, r.add);
+        EXPECT_DOUBLE_EQ(a, r.expect) << r.amount << " " << r.percent << "%";
+    }
+    EXPECT_TRUE(Vnt_MoneyIsNull(0.004) && Vnt_MoneyIsNull(-0.004) && Vnt_MoneyIsNull(0.0));
+    EXPECT_FALSE(Vnt_MoneyIsNull(0.005) || Vnt_MoneyIsNull(-0.005));
+    useLocale(",", "0");
+    EXPECT_TRUE(Vnt_MoneyIsNull(0.4) && !Vnt_MoneyIsNull(0.5));
+    EXPECT_TRUE(box.shown.empty());
+}
+
+// ---- Text forms -----------------------------------------------------------
+
+struct ToStrRow {
+    double value;
+    int decimals;
+    unsigned size;
+    bool left;
+    const char* text;  // with "," for the decimal character
+    bool result;
+    long overflows, smalls;
+};
+
+const double kInf = std::numeric_limits<double>::infinity();
+
+const ToStrRow kToStr[] = {
+    {1234.5, 2, 9, false, " 1234,50", false, 0, 0},
+    {1234.5, 2, 8, false, "1234,50", false, 0, 0},
+    {1234.5, 2, 7, false, "??????", true, 1, 0},
+    {1234.5, 2, 7, true, "??????", true, 1, 0},
+    {1234.5, 2, 20, true, "1234,50", false, 0, 0},
+    {-1234.5, 1, 8, false, "-1234,5", false, 0, 0},
+    {-0.05, 2, 10, true, "-0,05", false, 0, 0},
+    {0.004, 2, 10, true, "0,00", true, 0, 1},
+    {-0.004, 2, 6, false, " 0,00", true, 0, 1},     // no sign before a zero
+    {0.0004, 2, 10, true, "0,00", false, 0, 1},     // the probe's extra digit is 0
+    {0.0, 2, 10, true, "0,00", false, 0, 0},
+    {-0.0, 2, 10, true, "0,00", false, 0, 0},
+    {2.345, 2, 10, true, "2,35", true, 0, 0},
+    {2.5, 0, 5, false, "   3", true, 0, 0},         // no decimal character
+    {0.3, 0, 5, true, "0", true, 0, 1},
+    {9.995, 2, 6, false, "10,00", true, 0, 0},
+    {9.995, 2, 5, false, "????", true, 1, 0},       // the carry does not fit
+    {1234567.891, 2, 20, true, "1234567,89", true, 0, 0},  // no thousands separator
+    {1e20, 2, 60, true, "100000000000000000000,00", false, 0, 0},
+    {0.5, 25, 30, true, "0,50000000000000000000", false, 0, 0},  // 20 places at most
+    {1.5, -1, 10, true, "1,50", false, 0, 0},       // currency places
+    {kInf, 2, 6, true, "?????", true, 1, 0},
+    {-kInf, 2, 6, false, "?????", true, 1, 0},
+    {std::nan(""), 2, 2, false, "?", true, 1, 0},
+};
+
+TEST_F(Amount, TextFormsUnderGermanAndEnglishRecords) {
+    for (const char* dec : {",", "."}) {
+        useLocale(dec, "2");
+        for (const auto& r : kToStr) {
+            std::string expect = r.text;
+            for (char& c : expect) c = c == ',' ? *dec : c;
+            char buf[64];
+            std::memset(buf, 'x', sizeof buf);
+            const long o = Vnt_FloatOverflowCount(), s = Vnt_FloatSmallCount();
+            EXPECT_EQ(Vnt_FloatToStr(buf, r.size, r.value, r.decimals, r.left), r.result) << expect;
+            EXPECT_EQ(std::string(buf), expect) << r.value << " @" << r.decimals << " in " << r.size;
+            EXPECT_EQ(buf[r.size], 'x') << "nothing written past the buffer";
+            EXPECT_EQ(Vnt_FloatOverflowCount() - o, r.overflows) << expect;
+            EXPECT_EQ(Vnt_FloatSmallCount() - s, r.smalls) << expect;
+        }
+    }
+    useLocale("", "3");  // no decimal character known: "."
+    std::string text;
+    EXPECT_FALSE(Vnt_MoneyToStr(text, 1.5, true));
+    EXPECT_EQ(text, "1.500");
+    EXPECT_TRUE(Vnt_FloatToStr(text, 2.345, 2, false));
+    EXPECT_EQ(text, std::string(55, ' ') + "2.35") << "right-aligned in the 60-byte buffer";
+    char buf[8];
+    EXPECT_FALSE(Vnt_MoneyToStr(buf, sizeof buf, -1.25, false));
+    EXPECT_STREQ(buf, " -1.250");
+    // More than 12 places show the 12-place rounding and the binary value
+    // after it: 0.1 is rounded on the 1/999999995904 grid of 1e12 in single
+    // precision.
+    EXPECT_TRUE(Vnt_FloatToStr(text, 0.1, 20, true));
+    EXPECT_EQ(text.substr(0, 15), "0.0999999999996");
+    EXPECT_TRUE(box.shown.empty());
+}
+
+// ---- Reading --------------------------------------------------------------
+
+TEST_F(Amount, ReadingTakesEitherSeparator) {
+    const std::string big(39, '9');
+    const struct { const char* text; int decimals; double value; bool result; } rows[] = {
+        {"1,25", 2, 1.25, false}, {"1.25", 2, 1.25, false}, {"-3.5kg", 2, -3.5, false},
+        {"2,345", 2, 2.35, true}, {"2.345", 2, 2.35, true}, {"  +7,5", 1, 7.5, false},
+        {"1.234,5", 2, 1.23, true},  // only the first separator is a decimal point
+        {",5", 2, 0.5, false}, {"5,", 2, 5.0, false}, {"", 2, 0.0, false}, {"abc", 2, 0.0, false},
+        {"-", 2, 0.0, false}, {"+-1", 2, 0.0, false}, {"inf", 2, 0.0, false}, {"nan", 2, 0.0, false},
+        {"0x10", 2, 0.0, false}, {"1e3", 2, 1000.0, false}, {"2,5E-1", 3, 0.25, false},
+        {"1e", 2, 1.0, false}, {"1e+2x", 0, 100.0, false},
+        {"1e400", 2, 0.0, true}, {"-1e400", 2, 0.0, true},  // beyond double: no field holds it
+        {"1e-400", 2, 0.0, false},
+        {big.c_str(), 2, 0.0, true},  // 39 digits and 3 for the places do not fit 40
+        {"0,0004", 2, 0.0, false},
+        {"1000000000000000000000000000000000000000" "9", 0, 1e39, false},  // 40 characters read
+    };
+    for (const char* dec : {",", "."}) {
+        useLocale(dec, "2");
+        char sink[4];
+        Vnt_FloatToStr(sink, sizeof sink, 1e6, 2, true);  // counters not at zero
+        Vnt_FloatToStr(sink, sizeof sink, 0.001, 0, true);
+        const long overflows = Vnt_FloatOverflowCount(), smalls = Vnt_FloatSmallCount();
+        for (const auto& r : rows) {
+            double v = -42;
+            EXPECT_EQ(Vnt_FloatFromStr(r.text, &v, r.decimals), r.result) << r.text;
+            EXPECT_DOUBLE_EQ(v, r.value) << r.text << " with " << dec;
+        }
+        EXPECT_TRUE(overflows > 0 && smalls > 0);
+        EXPECT_TRUE(Vnt_FloatOverflowCount() == overflows && Vnt_FloatSmallCount() == smalls) << "counters restored";
+    }
+    double v = 0;
+    EXPECT_TRUE(Vnt_FloatFromStr("2,3455", 3, &v) && v == 2.346);
+    EXPECT_TRUE(Vnt_MoneyFromStr("2.345", &v) && v == 2.35);
+    EXPECT_TRUE(box.shown.empty());
+}
+
+TEST_F(Amount, PlacesFollowTheLocalesDecimalCharacter) {
+    const struct { const char* dec; const char* text; int places; double value; bool result; } rows[] = {
+        {",", "3,14159", 5, 3.14159, false}, {",", "3.14159", 0, 3.0, true},
+        {".", "3.14159", 5, 3.14159, false}, {".", "3,14159", 0, 3.0, true},
+        {",", "1.234,5", 1, 1.2, true},  // counted after ",", read up to the second separator
+        {",", "12,3a4", 1, 12.3, false}, {",", ",", 0, 0.0, false}, {",", "7", 0, 7.0, false},
+        {",", "1,2345678901234567890123456", 25, 1.234567890123, true},  // 20 places, rounded at 12
+    };
+    for (const auto& r : rows) {
+        useLocale(r.dec, "2");
+        EXPECT_EQ(Vnt_FloatDecPlaces(r.text), r.places) << r.text << " with " << r.dec;
+        double v = -1;
+        EXPECT_EQ(Vnt_FloatFromStr(r.text, &v, -1), r.result) << r.text << " with " << r.dec;
+        EXPECT_NEAR(v, r.value, 1e-12) << r.text << " with " << r.dec;
+    }
+    EXPECT_EQ(Vnt_FloatDecPlaces(nullptr), 0);
+}
+
+// ---- Bad arguments and the C run time's locale ---------------------------
+
+TEST_F(Amount, BadArgumentsAreInternalErrors) {
+    char lib[VNT_MAX_PATH];
+    ASSERT_TRUE(Vnt_LfnFromHost(lib, VANTO_SYSLIB_DE) && Vnt_MsgItfInit(nullptr, 0, lib));
+    VNT_MSG sys = Vnt_MsgHInit();
+    ASSERT_NE(sys, nullptr);
+    char buf[4] = "abc";
+    double v = 0;
+    const struct { const char* name; bool (*call)(char*, double*); } rows[] = {
+        {"size 1", [](char* b, double*) { return Vnt_FloatToStr(b, 1, 1.5, 2, true); }},
+        {"size 0", [](char* b, double*) { return Vnt_FloatToStr(b, 0, 1.5, 2, false); }},
+        {"no buffer", [](char*, double*) { return Vnt_FloatToStr(nullptr, 10, 1.5, 2, false); }},
+        {"no value to round", [](char*, double*) { return Vnt_FloatRound(nullptr, 2); }},
+        {"no text", [](char*, double* x) { return Vnt_FloatFromStr(nullptr, x, 2); }},
+        {"no value to read", [](char*, double*) { return Vnt_FloatFromStr("1", nullptr, 2); }},
+    };
+    for (const auto& r : rows) {
+        box.shown.clear();
+        EXPECT_FALSE(r.call(buf, &v)) << r.name;
+        ASSERT_EQ(box.shown.size(), 1u) << r.name;
+        const VntBoxModel& m = box.shown[0];
+        EXPECT_TRUE(m.internalError && m.text.find("(Code 1)") != std::string::npos) << m.text;
+        EXPECT_NE(m.details.find("Cal/Amount/"), std::string::npos) << m.details;
+    }
+    EXPECT_STREQ(buf, "abc");
+    Vnt_FloatProzBetrag(nullptr, 1, 1, true);
+    Vnt_FloatRabattBetrag(nullptr, 1, true);
+    Vnt_FloatBetrag(nullptr, 1, true, true);
+    EXPECT_EQ(box.shown.size(), 4u);
+    Vnt_MsgHTerm(&sys);
+    Vnt_MsgItfTerm();
+}
+
+TEST_F(Amount, IndependentOfTheCRunTimesLocale) {
+    const std::string saved = std::setlocale(LC_NUMERIC, nullptr);
+    const char* found = nullptr;
+    for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "de_DE@euro", "fr_FR.UTF-8", "fr_FR.utf8",
+                             "nl_NL.UTF-8", "ru_RU.UTF-8"}) {
+        if (std::setlocale(LC_NUMERIC, name) && *std::localeconv()->decimal_point == ',') {
+            found = name;
+            break;
+        }
+    }
+    if (!found) {
+        std::setlocale(LC_NUMERIC, saved.c_str());
+        GTEST_SKIP() << "no locale with a decimal comma is installed (see locale -a)";
+    }
+    std::string text;
+    double v = 0;
+    useLocale(".", "2");
+    const bool en = !Vnt_FloatToStr(text, 1234.5, 2, true) && text == "1234.50" &&
+                    Vnt_FloatFromStr("1.25", &v, -1) == false && v == 1.25;
+    useLocale(",", "2");
+    const bool de = !Vnt_FloatToStr(text, 1234.5, 2, true) && text == "1234,50" &&
+                    Vnt_FloatFromStr("2,345", &v, -1) == false && v == 2.345;
+    std::setlocale(LC_NUMERIC, saved.c_str());
+    EXPECT_TRUE(en && de) << "under " << found;
+}
+
+}  // namespace

@@ -1,0 +1,230 @@
+// The "intl" record and what is derived from the short date format, date
+// texts under several conventions, reading of partial and malformed dates,
+// and the host's reading of the locale environment.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <string>
+
+#include "host/host.h"
+#include "support.h"
+#include "vanto/date.h"
+#include "vanto/locale.h"
+#include "vanto/ui/msgbox.h"
+
+namespace {
+
+// 20 November 2026, a Friday.
+const vnt::host::LocalTime kNow{2026, 11, 20, 10, 30, 0, 0, 5};
+
+class Locale : public ::testing::Test {
+protected:
+    void SetUp() override {
+        vnt::test::resetAll();
+        vnt::host::setClock(&kNow);
+        Vnt_UiSetPresenter(&boxes_);
+    }
+    void TearDown() override {
+        Vnt_UiSetPresenter(nullptr);
+        vnt::test::resetAll();
+    }
+    // Loads a record whose only setting is the short date format.
+    void use(const char* shortDate) {
+        table_ = VntIntlTable{};
+        if (shortDate) table_.set("sShortDate", shortDate);
+        Vnt_SysSetIntlSource(&table_);
+        Vnt_SysInfo(VNT_SI_RELOAD);
+    }
+    VntIntlTable table_;
+    VntScriptedPresenter boxes_;
+};
+
+std::string text(int y, int m, int d, bool twoDigits = false, bool fullYear = true) {
+    char buf[20];
+    std::memset(buf, 'x', sizeof buf);
+    Vnt_SysDateToStr(y, m, d, &buf, twoDigits, fullYear);
+    return std::string(buf, strnlen(buf, sizeof buf));
+}
+
+TEST_F(Locale, RecordDefaultsAndLimits) {
+    EXPECT_EQ(Vnt_SysDateOrder(), -1);
+    EXPECT_STREQ(Vnt_SysDateFormat(), "%02d_%02d_%02d");
+    use(nullptr);
+    const VNT_SYS_INFO& d = Vnt_SysInfo(VNT_SI_GET);
+    EXPECT_EQ(d.iCurrDigits, 2);
+    EXPECT_EQ(d.iCountry, 49);
+    EXPECT_EQ(d.cDecimal, 0);
+    EXPECT_EQ(d.cThousand, 0);
+    EXPECT_EQ(d.cTime, 0);
+    EXPECT_STREQ(d.szCurrency, "");
+    EXPECT_STREQ(d.szShortDate, "dd.MM.yyyy");
+
+    VntIntlTable t{{"iCurrDigits", "3x"}, {"iCountry", "-41"}, {"sDecimal", ",;"},
+                   {"sThousand", ""},     {"sTime", ":"},      {"sCurrency", "EURO123"},
+                   {"sLanguage", "DEUX"}, {"sShortDate", "dd.MM.yyyy.dd.MM.yyyy"}};
+    Vnt_SysSetIntlSource(&t);
+    EXPECT_EQ(Vnt_SysInfo(VNT_SI_GET).iCurrDigits, 2) << "loaded once, until reloaded";
+    const VNT_SYS_INFO& r = Vnt_SysInfo(VNT_SI_RELOAD);
+    EXPECT_EQ(r.iCurrDigits, 3);
+    EXPECT_EQ(r.iCountry, -41);
+    EXPECT_EQ(r.cDecimal, ',');
+    EXPECT_EQ(r.cThousand, 0);
+    EXPECT_EQ(r.cTime, ':');
+    EXPECT_STREQ(r.szCurrency, "EURO12");
+    EXPECT_STREQ(r.szLanguage, "DEU");
+    EXPECT_STREQ(r.szShortDate, "dd.MM.yyyy.dd.M");
+    EXPECT_EQ(Vnt_SysSetIntlSource(nullptr), &t);
+}
+
+TEST_F(Locale, FormatDerivedFromShortDate) {
+    struct Row { const char* shortDate; int order; const char* print; char sep1, sep2; };
+    const Row rows[] = {
+        {"dd.MM.yyyy", 1, "%02d.%02d.%04d", '.', '.'}, {"d/M/yy", 1, "%01d/%01d/%02d", '/', '/'},
+        {"yyyy-MM-dd", 2, "%04d-%02d-%02d", '-', '-'}, {"MM/dd/yyyy", 0, "%02d/%02d/%04d", '/', '/'},
+        {"M/d/yyyy", 0, "%01d/%01d/%04d", '/', '/'},   {"yy.MM.dd", 2, "%02d.%02d.%02d", '.', '.'},
+        {"dd-MM yyyy", 1, "%02d-%02d %04d", '-', ' '}, {"Md", 0, "%02d_%00d_%00d", '.', '.'},
+    };
+    for (const Row& r : rows) {
+        use(r.shortDate);
+        const VNT_SYS_INFO& i = Vnt_SysInfo(VNT_SI_GET);
+        EXPECT_EQ(Vnt_SysDateOrder(), r.order) << r.shortDate;
+        EXPECT_EQ(std::string(Vnt_SysDateFormat()), r.print) << r.shortDate;
+        EXPECT_EQ(i.cDateSep1, r.sep1) << r.shortDate;
+        EXPECT_EQ(i.cDateSep2, r.sep2) << r.shortDate;
+        EXPECT_FALSE(Vnt_SysIsShortYear()) << r.shortDate;
+    }
+    EXPECT_TRUE(boxes_.shown.empty());
+}
+
+TEST_F(Locale, DateText) {
+    struct Row { const char* shortDate; int y, m, d; bool two, full; const char* expected; };
+    const Row rows[] = {
+        {"dd.MM.yyyy", 1999, 3, 5, false, true, "05.03.1999"},
+        {"dd.MM.yyyy", 1999, 3, 5, false, false, "05.03.1999"},
+        {"d/M/yy", 1999, 3, 5, false, true, "5/3/1999"},
+        {"d/M/yy", 1999, 3, 5, false, false, "5/3/99"},
+        {"d/M/yy", 2005, 12, 31, true, false, "31/12/05"},
+        {"d/M/yy", 2005, 3, 5, true, false, "05/03/05"},
+        {"MM/dd/yyyy", 1999, 3, 5, false, true, "03/05/1999"},
+        {"yyyy-MM-dd", 1999, 3, 5, false, false, "1999-03-05"},
+        {"yy-M-d", 1999, 3, 5, false, false, "99-3-5"},
+        {"dd.MM.yyyy", 65535, 255, 255, false, true, "20.11.2026"},
+        {"dd.MM.yyyy", 5, 1, 2, false, true, "02.01.0005"},
+        {"dd.MM.yyyy", 99, 1, 2, false, true, ""},
+        {"dd.MM.yyyy", 1999, 99, 2, false, true, ""},
+        {"dd.MM.yyyy", 99, 99, 99, false, true, ""},
+    };
+    for (const Row& r : rows) {
+        use(r.shortDate);
+        EXPECT_EQ(text(r.y, r.m, r.d, r.two, r.full), r.expected) << r.shortDate << " " << r.y;
+    }
+    char buf[20];
+    std::memset(buf, 'x', sizeof buf);
+    Vnt_SysDateToStr(99, 99, 99, &buf, false, true);
+    EXPECT_EQ(std::string(buf, sizeof buf), std::string(20, '\0')) << "the empty date clears all 20 bytes";
+}
+
+TEST_F(Locale, ReadingDates) {
+    struct Row {
+        const char* shortDate;
+        const char* in;
+        int y, m, d;
+        bool result;
+        const char* rest;  // where reading stopped
+    };
+    const Row rows[] = {
+        {"dd.MM.yyyy", "05.03.1999", 1999, 3, 5, false, ""},
+        {"dd.MM.yyyy", "5.3.99", 1999, 3, 5, true, ""},
+        {"dd.MM.yyyy", " \t05/03-1999 rest", 1999, 3, 5, false, "rest"},
+        {"dd.MM.yyyy", "3", 2026, 11, 3, true, ""},
+        {"dd.MM.yyyy", "45.03.1999", 2003, 5, 4, true, "1999"},
+        {"dd.MM.yyyy", "", 99, 99, 99, true, ""},
+        {"dd.MM.yyyy", "  ", 99, 99, 99, true, ""},
+        {"dd.MM.yyyy", "*.*.2001", 2001, 11, 20, true, ""},
+        {"dd.MM.yyyy", "**2001", 2001, 11, 20, true, ""},
+        {"dd.MM.yyyy", "x.7.2001", 2007, 11, 20, true, "2001"},  // "x" and "." unset day and month
+        {"dd.MM.yyyy", "31.02.2001", 2001, 2, 28, true, ""},
+        {"dd.MM.yyyy", "00.00.2001", 2001, 11, 20, true, ""},
+        {"dd.MM.yyyy", "05.03.0", 2000, 3, 5, true, ""},
+        {"dd.MM.yyyy", "05.03.19999", 19999, 3, 5, false, "9"},  // a year is read whole
+        {"dd.MM.yyyy", "123.4.2001", 2004, 3, 12, true, "2001"},  // "3" is surplus, then the month
+        {"dd.MM.yyyy", "5x3.99", 2003, 11, 5, true, "99"},
+        {"MM/dd/yyyy", "03/05/1999", 1999, 3, 5, false, ""},
+        {"MM/dd/yyyy", "13/05/1999", 2005, 1, 3, true, "1999"},
+        {"yyyy-MM-dd", "1999-03-05", 1999, 3, 5, false, ""},
+        {"yyyy-MM-dd", "99-3-5", 1999, 3, 5, true, ""},
+        {"yyyy-MM-dd", "2024", 2024, 11, 20, true, ""},
+    };
+    for (const Row& r : rows) {
+        use(r.shortDate);
+        VNT_DATE d{};
+        const char* end = nullptr;
+        EXPECT_EQ(Vnt_SysDateFromStr(d, r.in, &end), r.result) << r.shortDate << " '" << r.in << "'";
+        EXPECT_EQ(d.year, r.y) << r.in;
+        EXPECT_EQ(d.month, r.m) << r.in;
+        EXPECT_EQ(d.day, r.d) << r.in;
+        EXPECT_STREQ(end, r.rest) << r.in;
+    }
+    use("dd.MM.yyyy");
+    VNT_DATE d{};
+    EXPECT_FALSE(Vnt_SysDateFromUSStr(d, "03/05/1999", nullptr));
+    EXPECT_EQ(d.month * 100 + d.day, 305) << "month first whatever the locale";
+    EXPECT_TRUE(Vnt_SysDateFromStr(d, nullptr, nullptr));
+    EXPECT_EQ(d.year, 99);
+    EXPECT_STREQ(Vnt_SysDateFormat(), "%02d.%02d.%04d") << "the US form leaves the locale as it was";
+}
+
+// The host reads the locale environment; names of locales that are not
+// installed fall back to the common conventions.
+class HostIntl : public ::testing::Test {
+protected:
+    void SetUp() override {
+        for (const char* v : kVars) {
+            const char* old = std::getenv(v);
+            saved_.push_back(old ? std::optional<std::string>(old) : std::nullopt);
+            unsetenv(v);
+        }
+    }
+    void TearDown() override {
+        for (std::size_t i = 0; i < saved_.size(); ++i)
+            saved_[i] ? setenv(kVars[i], saved_[i]->c_str(), 1) : unsetenv(kVars[i]);
+    }
+    static std::string value(const char* key) {
+        std::string v;
+        return vnt::host::intlValue(key, v) ? v : "<none>";
+    }
+    static constexpr const char* kVars[] = {"LC_ALL", "LANG", "LC_NUMERIC", "LC_TIME", "LC_MONETARY",
+                                            "LC_MESSAGES", "LC_TELEPHONE"};
+    std::vector<std::optional<std::string>> saved_;
+};
+
+TEST_F(HostIntl, LocaleEnvironment) {
+    struct Row { const char* lang; const char *shortDate, *decimal, *language, *country; };
+    const Row rows[] = {
+        // A codeset no machine has keeps these rows on the stand-in table.
+        {"de_DE.VNT", "dd.MM.yyyy", ",", "DEU", "49"}, {"de_AT.VNT", "dd.MM.yyyy", ",", "DEA", "43"},
+        {"en_US.VNT", "MM/dd/yyyy", ".", "ENU", "1"},  {"en_GB.VNT@x", "dd/MM/yyyy", ".", "ENG", "44"},
+        {"sw_KE.VNT", "<none>", "<none>", "SWX", "<none>"},
+        {"C", "<none>", ".", "<none>", "<none>"},        {"C.UTF-8", "<none>", ".", "<none>", "<none>"},
+        {"", "<none>", ".", "<none>", "<none>"},
+    };
+    for (const Row& r : rows) {
+        setenv("LANG", r.lang, 1);
+        EXPECT_EQ(value("sShortDate"), r.shortDate) << r.lang;
+        EXPECT_EQ(value("sDecimal"), r.decimal) << r.lang;
+        EXPECT_EQ(value("sLanguage"), r.language) << r.lang;
+        EXPECT_EQ(value("iCountry"), r.country) << r.lang;
+        EXPECT_EQ(value("sTime"), ":") << r.lang;
+    }
+    setenv("LANG", "en_US.VNT", 1);
+    setenv("LC_TIME", "de_DE.VNT", 1);
+    EXPECT_EQ(value("sShortDate"), "dd.MM.yyyy") << "the category's own variable wins over LANG";
+    setenv("LC_ALL", "en_GB.VNT", 1);
+    EXPECT_EQ(value("sShortDate"), "dd/MM/yyyy") << "LC_ALL wins over both";
+    EXPECT_EQ(value("sNoSuchKey"), "<none>");
+    EXPECT_GT(Vnt_SysWinVer(), 100);
+}
+
+}  // namespace
