@@ -71,7 +71,9 @@ public:
     bool TreeCopy(const char* source);
     bool TreeScan(const char* source);
     bool TreeCompare(const char* source);
-    /// Sets the dialog's overall count (negative: the total of the last scan).
+    /// Sets the dialog's overall count (negative: the total of the last scan):
+    /// from then on the dialog shows the bytes of the whole run rather than
+    /// of each file.
     void SetCountForAll(double total);
     /// Ends a pattern copy and deletes a dialog the copier made for it.
     void Close();
@@ -154,4 +156,5 @@ private:
     std::size_t sourceLen_ = 0;
     int depth_ = 0;
     unsigned long differences_ = 0;
+    bool forAll_ = false;
 };

@@ -101,6 +101,10 @@ VANTO_API int Vnt__MsgExtCounter(int which);
 
 /// Formats the message and shows it; the box's answer.
 VANTO_API VNT_RESP Vnt_MsgH(VNT_MSG h, VntMsgRef ref, ...);
+/// Shows a message of the system library, held open while it is shown, so
+/// that the library's own questions can be asked before any application
+/// library is open.
+VANTO_API VNT_RESP Vnt_MsgSys(VntMsgRef ref, ...);
 /// The same with a help context for the Help button.
 VANTO_API VNT_RESP Vnt_MsgHHelp(VNT_MSG h, long helpId, VntMsgRef ref, ...);
 /// The common path: an empty formatted text answers 2 without a box.

@@ -256,25 +256,14 @@ void VntIni::Close(bool commit) {
         vnt::host::removeFile(temp_);
         return;
     }
-    // The questions come from the system library, held open while asking
-    // so that they can be asked before any application library is open.
-    VNT_MSG sys = nullptr;
-    auto ask = [&](long id, const char* a, const char* b) {
-        if (!sys) sys = Vnt_MsgHInit();
-        return b ? Vnt_MsgH(sys, id, a, b) : Vnt_MsgH(sys, id, a);
-    };
     while (!vnt::host::removeFile(file_)) {
-        const VNT_RESP r = ask(60500, Vnt_LfnNameOut(file_), nullptr);
-        if (r == VNT_RESP_CANCEL) {  // both files stay
-            if (sys) Vnt_MsgHTerm(&sys);
-            return;
-        }
-        if (r == VNT_RESP_NO) break;  // rename anyway
+        const VNT_RESP r = Vnt_MsgSys(60500, Vnt_LfnNameOut(file_));
+        if (r == VNT_RESP_CANCEL) return;  // both files stay
+        if (r == VNT_RESP_NO) break;       // rename anyway
     }
     while (!vnt::host::renameFile(temp_, file_)) {
-        if (ask(60501, Vnt_LfnNameOut(temp_), Vnt_LfnNameOut(file_)) != VNT_RESP_OK) break;
+        if (Vnt_MsgSys(60501, Vnt_LfnNameOut(temp_), Vnt_LfnNameOut(file_)) != VNT_RESP_OK) break;
     }
-    if (sys) Vnt_MsgHTerm(&sys);
 }
 
 // ---------------------------------------------------------------------------

@@ -26,20 +26,13 @@ constexpr long kMsgCopyFailed = 60026;
 
 std::string displayName(const char* name, long width) { return Vnt_LfnNameOut(name, width); }
 
-// Asks a retry question of the system library, held open while asking.
-VNT_RESP askRetry(long id, const std::string& name, const std::string& error) {
-    VNT_MSG sys = Vnt_MsgHInit();
-    const VNT_RESP r = Vnt_MsgH(sys, id, name.c_str(), error.c_str());
-    if (sys) Vnt_MsgHTerm(&sys);
-    return r;
-}
-
-// A progress dialog made by the copier, given its message handle and title.
-VntStat* makeDialog(VNT_MSG msg, long title) {
+// A progress dialog made by the copier, given its message handle and a
+// Cancel button (the title follows once it is open).
+VntStat* makeDialog(VNT_MSG msg) {
     auto* stat = new (std::nothrow) VntStat(0, 1, 0);
     if (!stat) return nullptr;
     if (msg) stat->Setup(0, 1, 0, msg);
-    if (title) stat->SetTitle(title);
+    stat->EnableCancel(true);  // the user may stop a copy the copier shows
     return stat;
 }
 
@@ -102,7 +95,7 @@ bool VntFileCopy::CopyFirst(const char* source, const char* target, const char* 
     if (!SetFolders(source, target) || !ensureFolders()) return false;
     Vnt_LfnFindClose(&find_);
     if (!Vnt_LfnFileFindFirst(found, paths_[0], pattern, &find_)) return false;
-    if (!stat_) stat_ = patternStat_ = makeDialog(msg_, title_);
+    if (!stat_) stat_ = patternStat_ = makeDialog(msg_);
     Copy(paths_[0], paths_[1], Vnt_LfnFileName());
     return error_ == VNT_FC_OK;
 }
@@ -144,7 +137,7 @@ std::uint32_t VntFileCopy::Copy(const char* source, const char* target) {
     targetAttr_ = targetTime_ = 0;
 
     if (!stat_) {
-        stat_ = singleStat_ = makeDialog(msg_, title_);
+        stat_ = singleStat_ = makeDialog(msg_);
         if (!stat_) return 0;
     }
     const std::uint32_t result = copyOne(src, dst);
@@ -175,7 +168,7 @@ std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
     }
     const std::size_t chunk = length_ < kChunk ? length_ : kChunk;
     std::uint32_t bytes = 0;
-    bool done = false;
+    bool done = false, truncated = false;
     vnt::host::File in, out;
     for (;;) {
         error_ = VNT_FC_OK;
@@ -187,7 +180,10 @@ std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
         } else {
             in.adviseSequential();
             Vnt_LfnDirCreateFromFile(dst);
-            if (!out.openWrite(dst)) error_ = VNT_FC_TARGET;
+            if (out.openWrite(dst))
+                truncated = true;
+            else
+                error_ = VNT_FC_TARGET;
         }
         if (error_ == VNT_FC_OK) {
             if (!showFile(src, dst, false, 0)) break;
@@ -208,7 +204,7 @@ std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
                     break;
                 }
                 bytes += static_cast<std::uint32_t>(n);
-                stat_->Progress(static_cast<unsigned long>(bytes));
+                stat_->Progress(static_cast<unsigned long>(forAll_ ? n : bytes));
             }
             if (error_ == VNT_FC_CANCEL) break;  // no question after a cancel
             if (eof) {
@@ -221,27 +217,29 @@ std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
         const bool missing = err == ENOENT && !sourceOpened;
         in.close();
         out.close();
-        const VNT_RESP r = askRetry(missing ? kMsgNotFound : kMsgCopyFailed,
-                                    displayName(sourceOpened ? dst : src, 38), vnt::host::errorText(err));
+        const VNT_RESP r = Vnt_MsgSys(missing ? kMsgNotFound : kMsgCopyFailed,
+                                      displayName(sourceOpened ? dst : src, 38).c_str(),
+                                      vnt::host::errorText(err).c_str());
         if (r == VNT_RESP_CANCEL || r == VNT_RESP_NO || missing) break;
     }
 
     // The copy keeps the source's time (to the nanosecond, which the packed
-    // form cannot hold); an unfinished target is removed, also one that
-    // existed before and was truncated.
+    // form cannot hold). A target this copy truncated and did not finish is
+    // removed; one it never opened is left as it was.
     if (done) out.copyTimeFrom(in);
-    const bool targetOpened = out.isOpen();
     in.close();
     out.close();
-    if (!done && (targetOpened || error_ != VNT_FC_SOURCE)) vnt::host::removeFile(dst);
-    if (stat_) stat_->SetCount(0, 0);
+    if (!done && truncated) vnt::host::removeFile(dst);
+    if (stat_ && !forAll_) stat_->SetCount(0, 0);
     return done ? bytes : 0;
 }
 
 bool VntFileCopy::showFile(const char* source, const char* target, bool skipped, std::uint32_t bytes) {
     if (!stat_) return false;
-    stat_->SetCount(length_, 0);
+    // In the "for all" mode the dialog counts the bytes of the whole run.
+    if (!forAll_) stat_->SetCount(length_, 0);
     if (skipped && (treeMode_ & 1)) return true;
+    const bool wasOpen = stat_->IsOpen();
     const std::string to = displayName(target, 34);
     bool shown;
     if (skipped) {
@@ -252,9 +250,9 @@ bool VntFileCopy::showFile(const char* source, const char* target, bool skipped,
         shown = stat_->IsOpen() ? stat_->Msg(id, from.c_str(), to.c_str())
                                 : stat_->Begin(id, from.c_str(), to.c_str());
     }
-    (void)shown;
+    if (shown && !wasOpen && title_ && (stat_ == singleStat_ || stat_ == patternStat_)) stat_->SetTitle(title_);
     if (stat_->IsOpen()) {
-        stat_->Progress(static_cast<unsigned long>(bytes));
+        if (!forAll_) stat_->Progress(static_cast<unsigned long>(bytes));
         return true;
     }
     error_ = VNT_FC_NODIALOG;
@@ -263,6 +261,7 @@ bool VntFileCopy::showFile(const char* source, const char* target, bool skipped,
 
 void VntFileCopy::SetCountForAll(double total) {
     if (total < 0) total = total_;
+    forAll_ = true;
     if (stat_) stat_->SetCountForAll(static_cast<unsigned long>(total));
 }
 
@@ -297,7 +296,7 @@ void VntFileCopy::targetOf(const char* source, char (&target)[VNT_MAX_PATH]) con
 
 bool VntFileCopy::walk(const char* dir) {
     const bool scanning = (treeMode_ & 1) != 0;
-    if (depth_ == 0 && !stat_) stat_ = patternStat_ = makeDialog(msg_, title_);
+    if (depth_ == 0 && !stat_) stat_ = patternStat_ = makeDialog(msg_);
     ++depth_;
     VNT_PATH here, there;
     vnt::copyBounded(here, dir);

@@ -14,14 +14,6 @@ bool isLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 
 bool hasLetterVol(const char* s) { return s != nullptr && s[0] != '\0' && s[1] == ':' && isLetter(s[0]); }
 
-// Shows a system message with one text argument; the system library is
-// held open while it is shown.
-void showSys(long id, const char* arg) {
-    VNT_MSG sys = Vnt_MsgHInit();
-    Vnt_MsgH(sys, id, arg ? arg : "");
-    if (sys) Vnt_MsgHTerm(&sys);
-}
-
 constexpr long kMsgNoVolume = 60000;
 constexpr long kMsgNoRoom = 60001;
 constexpr long kMsgNoFile = 34503;
@@ -54,7 +46,7 @@ unsigned long Vnt_LfnVolFreeSpace(const char* volume) {
     if (!hasLetterVol(volume)) return 0;
     std::uint64_t blocks = 0, size = 0;
     if (!vnt::host::freeSpace(volume[0], blocks, size)) {
-        showSys(kMsgNoVolume, volume);
+        Vnt_MsgSys(kMsgNoVolume, volume);
         return 0;
     }
     return static_cast<std::uint32_t>(blocks) * static_cast<std::uint32_t>(size);
@@ -62,7 +54,7 @@ unsigned long Vnt_LfnVolFreeSpace(const char* volume) {
 
 bool Vnt_LfnVolExists(const char* volume) {
     if (Vnt_LfnVolFind(volume)) return true;
-    showSys(kMsgNoVolume, volume);
+    Vnt_MsgSys(kMsgNoVolume, volume ? volume : "");
     return false;
 }
 
@@ -79,12 +71,12 @@ VNT_LFN_VOL_TYPE Vnt_LfnVolType(const char* volume) {
 
 bool Vnt_LfnFileFitToVol(const char* volume, const char* file) {
     if (file == nullptr || !Vnt_LfnFileFind(file)) {
-        showSys(kMsgNoFile, Vnt_LfnNameOut(file ? file : "", 38));
+        Vnt_MsgSys(kMsgNoFile, Vnt_LfnNameOut(file ? file : "", 38));
         return false;
     }
     const unsigned long length = vnt::lfn::state().defaultRec.length;
     if (Vnt_LfnVolFreeSpace(volume) < length) {
-        showSys(kMsgNoRoom, volume);
+        Vnt_MsgSys(kMsgNoRoom, volume ? volume : "");
         return false;
     }
     return true;

@@ -236,6 +236,16 @@ VNT_RESP Vnt_MsgH(VNT_MSG h, VntMsgRef ref, ...) {
     return r;
 }
 
+VNT_RESP Vnt_MsgSys(VntMsgRef ref, ...) {
+    VNT_MSG sys = Vnt_MsgHInit();
+    va_list ap;
+    va_start(ap, ref);
+    VNT_RESP r = Vnt__Msg(sys, ref, ap, 0, -1);
+    va_end(ap);
+    if (sys) Vnt_MsgHTerm(&sys);
+    return r;
+}
+
 VNT_RESP Vnt_MsgHHelp(VNT_MSG h, long helpId, VntMsgRef ref, ...) {
     va_list ap;
     va_start(ap, ref);

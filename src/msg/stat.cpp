@@ -173,9 +173,14 @@ bool VntStat::layout(VntMsgRef messageId, va_list args) {
     StatState& st = statState();
     VntProgressView& view = Vnt_UiProgress();
     if (Vnt__InternalError(!view.StatusOpen(), 500, kSourceStat, __LINE__)) return false;
-    const char* formatted = Vnt__MsgSprintf(msg_, messageId, nullptr, args);
-    if (!formatted || !*formatted) return false;
-    vnt::copyBounded(st.text, formatted);
+    // Without a handle of its own a numbered text comes from the system
+    // library, held open while formatting.
+    VNT_MSG sys = msg_ || !messageId.IsId() ? nullptr : Vnt_MsgHInit();
+    const char* formatted = Vnt__MsgSprintf(msg_ ? msg_ : sys, messageId, nullptr, args);
+    const bool ok = formatted && *formatted;
+    if (ok) vnt::copyBounded(st.text, formatted);
+    if (sys) Vnt_MsgHTerm(&sys);
+    if (!ok) return false;
 
     std::string_view body(st.text);
     st.title[0] = '\0';
