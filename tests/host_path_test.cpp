@@ -224,8 +224,18 @@ TEST(ProgramNames, FileDirectoryAndName) {
         ASSERT_TRUE(r.fn(buf, sizeof buf, nullptr)) << r.expected;
         EXPECT_STREQ(buf, r.expected);
         EXPECT_FALSE(r.fn(buf, std::strlen(r.expected), nullptr)) << "one character short: " << r.expected;
-        EXPECT_FALSE(r.fn(buf, sizeof buf, reinterpret_cast<VNT_HINSTANCE>(8))) << "modules have no file yet";
     }
+    // A loaded module answers with its own file.
+    void* libm = moduleOpen("libm.so.6");
+    ASSERT_NE(libm, nullptr) << moduleError();
+    const auto module = static_cast<VNT_HINSTANCE>(libm);
+    ASSERT_TRUE(Vnt_LfnProgName(buf, sizeof buf, module));
+    EXPECT_STREQ(buf, "libm.so.6");
+    ASSERT_TRUE(Vnt_LfnProgDirName(buf, sizeof buf, module));
+    EXPECT_EQ(std::string(buf).rfind("Z:\\", 0), 0u) << buf;
+    moduleClose(libm);
+    faultAt(Op::Load, 1);
+    EXPECT_EQ(moduleOpen("libm.so.6"), nullptr);
     reset();
 }
 

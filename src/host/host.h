@@ -125,6 +125,17 @@ std::string programFile();
 /// and for programs whose files lie elsewhere than their executable.
 void setProgramFile(const std::string& libPath);
 
+/// Loaded module libraries (src/host/posix/host_module.cpp). A module
+/// handle is what the host's loader gave (dlopen on POSIX).
+/// Loads a library by host name or path; null on failure (Op::Load faults
+/// apply; errorText of lastError() or moduleError() tells why).
+void* moduleOpen(const std::string& hostName);
+void moduleClose(void* handle);
+/// The loader's description of the last failure.
+std::string moduleError();
+/// Library path of a loaded module's file; empty when it cannot be told.
+std::string moduleFile(void* handle);
+
 // ---------------------------------------------------------------------------
 // Fault injection for tests: make the n-th following call of an operation
 // fail (n = 1: the next one). Reset by faultReset().

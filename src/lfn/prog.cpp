@@ -5,11 +5,10 @@
 
 namespace {
 
-// Library path of the module's file; modules other than the program are
-// not loaded yet by anything, so they have no file of their own here.
+// Library path of the module's file: the program's for the null module,
+// else the file the host loaded the module from.
 bool progFile(VNT_HINSTANCE module, VNT_PATH& out) {
-    if (module != nullptr) return false;
-    std::string file = vnt::host::programFile();
+    std::string file = module ? vnt::host::moduleFile(module) : vnt::host::programFile();
     if (file.empty() || file.size() >= VNT_MAX_PATH) return false;
     vnt::copyBounded(out, file);
     return true;
