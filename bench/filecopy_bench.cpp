@@ -13,6 +13,7 @@
 
 #include "vanto/filecopy.h"
 #include "vanto/lfn.h"
+#include "vanto/msg.h"
 #include "vanto/ui/progress.h"
 
 namespace fs = std::filesystem;
@@ -26,6 +27,7 @@ struct Data {
     fs::path dir = fs::temp_directory_path() / ("vanto_copy_bench_" + std::to_string(std::random_device{}()));
     std::uint64_t treeBytes = 0;
     VntConsoleProgressView quiet;  // draws nowhere
+    VNT_MSG sys = nullptr;
     Data() {
         fs::create_directories(dir / "tree");
         std::vector<char> block(1 << 20);
@@ -48,8 +50,14 @@ struct Data {
         quiet.sink = [](const std::string&) {};
         Vnt_UiSetProgress(&quiet);
         Vnt_LfnVolMap('B', dir.c_str());
+        // The copier's progress lines are texts of the system library.
+        VNT_PATH lib;
+        if (!Vnt_LfnFromHost(lib, VANTO_SYSLIB_EN) || !Vnt_MsgItfInit(nullptr, 0, lib)) std::abort();
+        sys = Vnt_MsgHInit();
     }
     ~Data() {
+        Vnt_MsgHTerm(&sys);
+        Vnt_MsgItfTerm();
         Vnt_UiSetProgress(nullptr);
         fs::remove_all(dir);
     }
