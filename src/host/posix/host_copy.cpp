@@ -1,5 +1,6 @@
 // Writing files and copying their contents.
 #include "host/host.h"
+#include "host/posix/host_call.h"
 
 #include <cerrno>
 
@@ -12,14 +13,7 @@ namespace vnt::host {
 bool File::openWrite(const char* libPath) {
     close();
     std::string host;
-    if (!toHost(libPath, host)) {
-        errno = ENOENT;
-        return false;
-    }
-    if (faultHit(Op::Open)) {
-        errno = EIO;
-        return false;
-    }
+    if (!hostCall(libPath, Op::Open, host)) return false;
     int fd;
     do fd = ::open(host.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     while (fd < 0 && errno == EINTR);

@@ -2,6 +2,7 @@
 // entry, file status, last-write times, attributes, removing directories,
 // free space and environment variables.
 #include "host/host.h"
+#include "host/posix/host_call.h"
 #include "vanto/text.h"
 
 #include <cerrno>
@@ -108,14 +109,7 @@ bool listDir(const char* libDir, bool (*want)(const std::string&, void*), void* 
 
 bool fileInfo(const char* libPath, DirEntry& out) {
     std::string host;
-    if (libPath == nullptr || !toHost(libPath, host)) {
-        errno = ENOENT;
-        return false;
-    }
-    if (faultHit(Op::Stat)) {
-        errno = EIO;
-        return false;
-    }
+    if (!hostCall(libPath, Op::Stat, host)) return false;
     struct stat st;
     if (!statFollow(host, st)) return false;
     out = DirEntry{};
@@ -131,14 +125,7 @@ unsigned long fileAttributes(const char* libPath) {
 
 bool setFileAttributes(const char* libPath, unsigned long attributes) {
     std::string host;
-    if (libPath == nullptr || !toHost(libPath, host)) {
-        errno = ENOENT;
-        return false;
-    }
-    if (faultHit(Op::Write)) {
-        errno = EIO;
-        return false;
-    }
+    if (!hostCall(libPath, Op::Write, host)) return false;
     struct stat st;
     if (::stat(host.c_str(), &st) != 0) return false;
     mode_t mode = st.st_mode & 07777;
@@ -148,14 +135,7 @@ bool setFileAttributes(const char* libPath, unsigned long attributes) {
 
 bool fileWriteTime(const char* libPath, LocalTime& out) {
     std::string host;
-    if (libPath == nullptr || !toHost(libPath, host)) {
-        errno = ENOENT;
-        return false;
-    }
-    if (faultHit(Op::Open)) {
-        errno = EIO;
-        return false;
-    }
+    if (!hostCall(libPath, Op::Open, host)) return false;
     const int fd = openNoDir(host, O_RDONLY);
     if (fd < 0) return false;
     struct stat st;
@@ -167,14 +147,7 @@ bool fileWriteTime(const char* libPath, LocalTime& out) {
 
 bool setFileWriteTime(const char* libPath, const LocalTime& t) {
     std::string host;
-    if (libPath == nullptr || !toHost(libPath, host)) {
-        errno = ENOENT;
-        return false;
-    }
-    if (faultHit(Op::Open)) {
-        errno = EIO;
-        return false;
-    }
+    if (!hostCall(libPath, Op::Open, host)) return false;
     std::tm tm{};
     tm.tm_year = t.year - 1900;
     tm.tm_mon = t.month - 1;
@@ -204,14 +177,7 @@ bool setFileWriteTime(const char* libPath, const LocalTime& t) {
 
 bool removeDir(const char* libPath) {
     std::string host;
-    if (libPath == nullptr || !toHost(libPath, host)) {
-        errno = ENOENT;
-        return false;
-    }
-    if (faultHit(Op::Remove)) {
-        errno = EIO;
-        return false;
-    }
+    if (!hostCall(libPath, Op::Remove, host)) return false;
     return ::rmdir(host.c_str()) == 0;
 }
 

@@ -1,6 +1,7 @@
 // The POSIX host: whole-file reads and atomic writes, directories, the
 // desktop's opener and waiting while the window system runs.
 #include "host/host.h"
+#include "host/posix/host_call.h"
 #include "vanto/ui/window.h"
 
 #include <algorithm>
@@ -242,14 +243,7 @@ bool makeDirs(const char* libPath) {
 
 bool removeFile(const char* libPath) {
     std::string host;
-    if (libPath == nullptr || !toHost(libPath, host)) {
-        errno = ENOENT;
-        return false;
-    }
-    if (faultHit(Op::Remove)) {
-        errno = EIO;
-        return false;
-    }
+    if (!hostCall(libPath, Op::Remove, host)) return false;
     return ::unlink(host.c_str()) == 0;
 }
 

@@ -5,6 +5,7 @@
 // and their data were written for a case-insensitive file system, so a
 // component that does not exist as written is matched without regard to case.
 #include "host/host.h"
+#include "host/posix/host_call.h"
 #include "vanto/text.h"
 
 #include <cerrno>
@@ -311,14 +312,7 @@ File& File::operator=(File&& o) noexcept {
 bool File::openRead(const char* libPath) {
     close();
     std::string host;
-    if (!toHost(libPath, host)) {
-        errno = ENOENT;
-        return false;
-    }
-    if (faultHit(Op::Open)) {
-        errno = EIO;
-        return false;
-    }
+    if (!hostCall(libPath, Op::Open, host)) return false;
     int fd;
     do fd = ::open(host.c_str(), O_RDONLY | O_CLOEXEC);
     while (fd < 0 && errno == EINTR);
