@@ -1,8 +1,10 @@
 // Shared by the tests: every subsystem back to the state of a fresh process.
 #pragma once
 
+#include "app/modtable.h"
 #include "app/paths.h"
 #include "cal/cal_state.h"
+#include "db/db_state.h"
 #include "host/host.h"
 #include "ini/ini_stream.h"
 #include "ini/profile.h"
@@ -10,6 +12,7 @@
 #include "msg/msg_internal.h"
 #include "msg/stat_state.h"
 #include "msg/vtm_internal.h"
+#include "ui/ui_state.h"
 #include "vanto/ini.h"
 
 namespace vnt::test {
@@ -18,6 +21,8 @@ inline void resetAll() {
     vnt::ini::reset();  // closes the library-wide engine before the message system goes
     Vnt_AppSetProfile(nullptr);
     vnt::ini::profileReset();
+    vnt::app::resetModules();
+    vnt::app::resetLifecycle();
     vnt::app::resetPaths();
     vnt::vtm::reset();
     vnt::host::reset();
@@ -27,7 +32,9 @@ inline void resetAll() {
     vnt::msg::resetReports();
     vnt::msg::resetStat();
     vnt::cal::reset();
+    vnt::db::reset();
     vnt::lfn::resetState();
+    vnt::ui::resetHeadless();
 }
 
 }  // namespace vnt::test

@@ -87,6 +87,12 @@ VANTO_API VntIntlSource* Vnt_SysSetIntlSource(VntIntlSource* source);
 ///   anything not starting with "d" or "y" => month-day-year.
 VANTO_API const VNT_SYS_INFO& Vnt_SysInfo(VNT_SI_TYPE type);
 
+/// Starts the locale settings with the library: reads the record afresh.
+/// True.
+VANTO_API bool Vnt_SysInit();
+/// Ends them: the record is read again on its next use.
+VANTO_API void Vnt_SysTerm();
+
 /// The date order (VNT_DATE_ORDER_...) of the loaded record; all bits set
 /// (-1) before the first loading.
 VANTO_API int Vnt_SysDateOrder();

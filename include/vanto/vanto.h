@@ -8,6 +8,7 @@
 #include "vanto/ini.h"
 #include "vanto/lfn.h"
 #include "vanto/locale.h"
+#include "vanto/module.h"
 #include "vanto/msg.h"
 #include "vanto/stat.h"
 #include "vanto/filecopy.h"

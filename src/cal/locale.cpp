@@ -210,6 +210,13 @@ const VNT_SYS_INFO& Vnt_SysInfo(VNT_SI_TYPE type) {
     return loc().info;
 }
 
+bool Vnt_SysInit() {
+    Vnt_SysInfo(VNT_SI_RELOAD);
+    return true;
+}
+
+void Vnt_SysTerm() { loc().loaded = false; }
+
 int Vnt_SysDateOrder() { return loc().order; }
 
 const char* Vnt_SysDateFormat() { return loc().printFormat; }

@@ -339,3 +339,43 @@ namespace vnt::host {
 bool stderrTerminal();
 
 }  // namespace vnt::host
+
+// ---------------------------------------------------------------------------
+// Ending the process (src/host/posix/host_exit.cpp)
+// ---------------------------------------------------------------------------
+
+namespace vnt::host {
+
+/// Ends the process with `code` after flushing written data; exit handlers
+/// and the destructors of static objects run. Does not return.
+[[noreturn]] void exitProcess(int code);
+
+}  // namespace vnt::host
+
+// ---------------------------------------------------------------------------
+// Module libraries by library name (src/host/posix/host_module.cpp) and
+// starting programs (src/host/posix/host_spawn.cpp)
+// ---------------------------------------------------------------------------
+
+namespace vnt::host {
+
+/// Loads the module library `libName` (a library path, or a bare name for
+/// the host's library search): "x.dll" (or "x", "x.so") is tried as "x.so",
+/// then as "libx.so", in the same directory. Null on failure (Op::Load
+/// faults apply) with lastError() ENOENT when no candidate exists, ENOEXEC
+/// when one exists but did not load, and moduleError() the loader's text.
+void* moduleLoad(const char* libName);
+/// The address of the exported symbol `name` of a loaded module, or null;
+/// `size`, when given, receives the symbol's size (0 when not told).
+void* moduleSymbol(void* handle, const char* name, std::size_t* size = nullptr);
+
+/// Starts the program `libPath` without waiting, with the argument text
+/// `args` (split at blanks and tabs, double quotes grouping), in the working
+/// directory `libWorkDir` (null or "": the current one). A bare name is
+/// looked for on PATH. "x.exe" that does not exist is tried as "x". A file
+/// that is not executable is opened with the desktop's opener
+/// (openDocument). False with lastError() set when it cannot start (Op::Load
+/// faults apply).
+bool startProgram(const char* libPath, const char* args, const char* libWorkDir);
+
+}  // namespace vnt::host

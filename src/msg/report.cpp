@@ -13,6 +13,7 @@
 #include "msg/msg_internal.h"
 #include "msg/report_internal.h"
 #include "msg/sysmsg.h"
+#include "vanto/app.h"
 #include "vanto/msg.h"
 #include "vanto/vtm.h"
 
@@ -221,8 +222,7 @@ int Vnt_ExceptHandleException__(const char* sourceFile, int line, const VNT_EXCE
     // The four-argument form: the text is final, no formatting on the way.
     const VNT_RESP r = Vnt_MsgBox(text.c_str(), nullptr, nullptr, false);
     if (r == VNT_RESP_CANCEL) {
-        // Until the application frame has an exit function of its own.
-        std::exit(3);
+        Vnt_AppMainExitApplication(3);
     }
     return r == VNT_RESP_OK ? -1 : 0;
 }

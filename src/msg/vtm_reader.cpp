@@ -8,6 +8,7 @@
 
 #include "base/strbuf.h"
 #include "msg/vtm_internal.h"
+#include "vanto/app.h"
 
 namespace vnt::vtm {
 
@@ -72,7 +73,7 @@ void report(const std::string& detail) {
     std::string text = "!VTMINTRF: Internal Error.\n" + detail;
     VNT_VTM_REPORT hook = s.report ? s.report : defaultReport;
     // An answer other than OK ends the process at once; kept for compatibility.
-    if (hook(text.c_str()) != VNT_RESP_OK) std::exit(3);
+    if (hook(text.c_str()) != VNT_RESP_OK) Vnt_AppMainExitApplication(3);
     s.msgBuf[0] = '\0';
 }
 

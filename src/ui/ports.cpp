@@ -5,6 +5,7 @@
 
 #include "base/port_slot.h"
 #include "host/host.h"
+#include "ui/ui_state.h"
 #include "vanto/text.h"
 #include "vanto/ui/msgbox.h"
 #include "vanto/ui/window.h"
@@ -147,6 +148,18 @@ std::vector<std::string> splitLines(const std::string& text) {
 }
 
 }  // namespace
+
+namespace vnt::ui {
+
+void resetHeadless() {
+    VntHeadlessWindowPort& h = ports().headless;
+    h.Clear();
+    h.clipboard.clear();
+    h.busy = false;
+    h.beeps = h.keys = h.modalDefault = 0;
+}
+
+}  // namespace vnt::ui
 
 VntWindowPort& Vnt_UiWindow() { return ports().window.get(); }
 

@@ -2,10 +2,16 @@
 #include "host/host.h"
 
 #include <cerrno>
+#include <cstring>
 #include <string>
+#include <vector>
 
 #include <dlfcn.h>
+#include <elf.h>
 #include <link.h>
+#include <sys/stat.h>
+
+#include "vanto/text.h"
 
 namespace vnt::host {
 
@@ -13,6 +19,22 @@ namespace {
 std::string& lastModuleError() {
     static std::string text;
     return text;
+}
+
+// dlopen with the loader's text kept for moduleError().
+void* openHost(const std::string& hostName) {
+    void* h = ::dlopen(hostName.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!h) {
+        const char* e = ::dlerror();
+        lastModuleError() = e ? e : "unknown error";
+    }
+    return h;
+}
+
+bool sameText(const char* a, const char* b) {
+    for (; *a && *b; ++a, ++b)
+        if ((*a | 0x20) != (*b | 0x20)) return false;
+    return *a == *b;
 }
 }  // namespace
 
@@ -22,13 +44,53 @@ void* moduleOpen(const std::string& hostName) {
         lastModuleError() = "simulated load failure";
         return nullptr;
     }
-    void* h = ::dlopen(hostName.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!h) {
-        const char* e = ::dlerror();
-        lastModuleError() = e ? e : "unknown error";
-        if (errno == 0) errno = ENOENT;
-    }
+    void* h = openHost(hostName);
+    if (!h && errno == 0) errno = ENOENT;
     return h;
+}
+
+/*
+ * A module named "x.dll" is the shared library "x.so", or "libx.so" as the
+ * host's build tools name libraries. The error reported is that of the
+ * first candidate that exists (it is there but did not load: its missing
+ * symbols matter), else that of the first candidate.
+ */
+void* moduleLoad(const char* libName) {
+    if (libName == nullptr || !*libName) {
+        errno = ENOENT;
+        lastModuleError() = "no module name";
+        return nullptr;
+    }
+    if (faultHit(Op::Load)) {
+        errno = EIO;
+        lastModuleError() = "simulated load failure";
+        return nullptr;
+    }
+    // Library grammar: the directory part ends at the last '\\' or a volume's ':'.
+    const std::string name = libName;
+    const std::size_t cut = name.find_last_of("\\:");
+    const bool bare = cut == std::string::npos;
+    const std::string dir = bare ? std::string{} : name.substr(0, cut + 1);
+    std::string base = bare ? name : name.substr(cut + 1);
+    const std::size_t dot = base.rfind('.');
+    if (dot != std::string::npos && (sameText(base.c_str() + dot + 1, "dll") || sameText(base.c_str() + dot + 1, "so")))
+        base.resize(dot);
+    std::string firstError, existingError;
+    bool anyExists = false;
+    for (const std::string& cand : {base + ".so", "lib" + base + ".so"}) {
+        std::string host;
+        if (bare) host = Vnt_TxtToUtf8(cand);  // through the host's library search
+        else if (!toHost((dir + cand).c_str(), host)) continue;
+        if (void* h = openHost(host)) return h;
+        struct stat st;
+        const bool exists = !bare && ::stat(host.c_str(), &st) == 0;
+        if (firstError.empty()) firstError = lastModuleError();
+        if (exists && !anyExists) existingError = lastModuleError();
+        anyExists = anyExists || exists;
+    }
+    lastModuleError() = anyExists ? existingError : (firstError.empty() ? "name has no host form" : firstError);
+    errno = anyExists ? ENOEXEC : ENOENT;
+    return nullptr;
 }
 
 void moduleClose(void* handle) {
@@ -43,6 +105,25 @@ std::string moduleFile(void* handle) {
         return {};
     std::string lib;
     return fromHost(map->l_name, lib) ? lib : std::string{};
+}
+
+void* moduleSymbol(void* handle, const char* name, std::size_t* size) {
+    if (size) *size = 0;
+    if (!handle || !name || !*name) return nullptr;
+    ::dlerror();
+    void* p = ::dlsym(handle, name);
+    if (!p) {
+        const char* e = ::dlerror();
+        lastModuleError() = e ? e : "symbol not found";
+        return nullptr;
+    }
+    if (size) {
+        Dl_info info;
+        ElfW(Sym)* sym = nullptr;
+        if (::dladdr1(p, &info, reinterpret_cast<void**>(&sym), RTLD_DL_SYMENT) && sym)
+            *size = static_cast<std::size_t>(sym->st_size);
+    }
+    return p;
 }
 
 }  // namespace vnt::host

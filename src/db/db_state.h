@@ -1,0 +1,34 @@
+// Process-wide state of the database layer and the client registry, and
+// its reset for tests.
+#pragma once
+
+#include <string>
+
+#include "vanto/base.h"
+
+namespace vnt::db {
+
+struct State {
+    // ODBC
+    void* env = nullptr;   ///< the environment handle (SQLHENV), made on first use
+    long connections = 0;  ///< connection handles alive on it
+    std::string lastState; ///< SQLSTATE of the last failed call
+    std::string lastText;  ///< its text, Windows-1252
+    long lastNative = 0;
+
+    // Client registry: the application settings, read once.
+    bool dsnSettingsRead = false;
+    char pathSpec[40] = {};       ///< "DsnPathSpec": the key of a client's path
+    char fileFilter[260] = {};    ///< "DsnFileFilter", doubled for a file dialog
+    char dbFileName[40] = {};     ///< "DsnDBFileName"
+    long isFile = 1;              ///< "DsnIsFile"
+    long liveRegistries = 0;      ///< DsnIni objects alive
+};
+
+State& state();
+
+/// Back to a fresh process: settings to be read again, no last failure. The
+/// ODBC environment goes only when no connection is left on it.
+void reset();
+
+}  // namespace vnt::db

@@ -1,0 +1,265 @@
+// The ODBC environment, diagnostics shown through the message system, the
+// text conversions at the driver's edge and connect strings.
+
+#include "db/odbc.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "db/db_state.h"
+#include "vanto/db.h"
+#include "vanto/lfn.h"
+#include "vanto/msg.h"
+#include "vanto/text.h"
+
+namespace vnt::db {
+
+namespace {
+
+constexpr long kMsgDbError = 60310;  // what was done, SQLSTATE, text
+
+}  // namespace
+
+State& state() {
+    static State s;
+    return s;
+}
+
+void reset() {
+    State& s = state();
+    void* env = s.env;
+    const long connections = s.connections;
+    if (env && connections == 0) {
+        SQLFreeHandle(SQL_HANDLE_ENV, env);
+        env = nullptr;
+    }
+    s = State{};
+    // A connection a test left open keeps its environment.
+    s.env = env;
+    s.connections = env ? connections : 0;
+}
+
+SQLHENV environment() {
+    State& s = state();
+    if (s.env) return s.env;
+    SQLHENV env = SQL_NULL_HENV;
+    if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &env))) {
+        fail("SQLAllocHandle", "HY001", "The ODBC driver manager cannot make an environment.");
+        return SQL_NULL_HENV;
+    }
+    const SQLRETURN rc = SQLSetEnvAttr(env, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
+    if (!check(rc, SQL_HANDLE_ENV, env, "SQLSetEnvAttr")) {
+        SQLFreeHandle(SQL_HANDLE_ENV, env);
+        return SQL_NULL_HENV;
+    }
+    s.env = env;
+    return env;
+}
+
+std::string shortText(std::string_view text) {
+    constexpr std::size_t kMax = 300;
+    if (text.size() <= kMax) return std::string(text);
+    return std::string(text.substr(0, kMax - 3)) + "...";
+}
+
+void fail(std::string_view what, const char* sqlState, std::string_view text) {
+    State& s = state();
+    s.lastState = sqlState;
+    s.lastText = std::string(text);
+    s.lastNative = 0;
+    const std::string w = shortText(what);
+    Vnt_MsgSys(kMsgDbError, w.c_str(), s.lastState.c_str(), s.lastText.c_str());
+}
+
+bool check(SQLRETURN rc, SQLSMALLINT type, SQLHANDLE handle, std::string_view what) {
+    if (SQL_SUCCEEDED(rc)) return true;
+    State& s = state();
+    s.lastState = rc == SQL_INVALID_HANDLE ? "HY000" : "";
+    s.lastText.clear();
+    s.lastNative = 0;
+    if (rc != SQL_INVALID_HANDLE && handle != SQL_NULL_HANDLE) {
+        for (SQLSMALLINT rec = 1; rec <= 8; ++rec) {
+            SQLCHAR st[6] = {};
+            SQLINTEGER native = 0;
+            SQLCHAR text[1024] = {};
+            SQLSMALLINT len = 0;
+            if (!SQL_SUCCEEDED(SQLGetDiagRec(type, handle, rec, st, &native, text, sizeof text, &len))) break;
+            if (rec == 1) {
+                s.lastState = reinterpret_cast<const char*>(st);
+                s.lastNative = native;
+            } else {
+                s.lastText += '\n';
+            }
+            s.lastText += fromUtf8(reinterpret_cast<const char*>(text));
+        }
+    }
+    if (s.lastState.empty()) s.lastState = "HY000";
+    if (s.lastText.empty()) s.lastText = rc == SQL_INVALID_HANDLE ? "Invalid handle." : "No diagnostics.";
+    const std::string w = shortText(what);
+    Vnt_MsgSys(kMsgDbError, w.c_str(), s.lastState.c_str(), s.lastText.c_str());
+    return false;
+}
+
+std::string toUtf8(std::string_view cp1252) { return Vnt_TxtToUtf8(cp1252); }
+
+std::string fromUtf8(std::string_view utf8) {
+    std::string out;
+    out.reserve(utf8.size());
+    for (std::size_t pos = 0; pos < utf8.size();) {
+        char32_t cp;
+        unsigned char b;
+        if (!Vnt_TxtDecodeUtf8(utf8, pos, cp)) {
+            ++pos;
+            out += '?';
+        } else {
+            out += Vnt_TxtCharFromUnicode(cp, b) ? static_cast<char>(b) : '?';
+        }
+    }
+    return out;
+}
+
+std::vector<SQLWCHAR> toWide(std::string_view cp1252) {
+    std::vector<SQLWCHAR> out;
+    out.reserve(cp1252.size() + 1);
+    // Every Windows-1252 character lies in the basic plane: one unit each.
+    for (char c : cp1252) out.push_back(static_cast<SQLWCHAR>(Vnt_TxtCharToUnicode(static_cast<unsigned char>(c))));
+    out.push_back(0);
+    return out;
+}
+
+std::string fromWide(const SQLWCHAR* text, std::size_t count) {
+    std::string out;
+    out.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const char32_t u = text[i];
+        unsigned char b;
+        if (u >= 0xD800 && u <= 0xDBFF && i + 1 < count && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
+            ++i;  // a character beyond the basic plane: none has a Windows-1252 form
+            out += '?';
+        } else {
+            out += Vnt_TxtCharFromUnicode(u, b) ? static_cast<char>(b) : '?';
+        }
+    }
+    return out;
+}
+
+bool sameText(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (Vnt_TxtUpper(static_cast<unsigned char>(a[i])) != Vnt_TxtUpper(static_cast<unsigned char>(b[i])))
+            return false;
+    return true;
+}
+
+namespace {
+
+// One "key=value" or bare item of a connect string; a value may stand in
+// braces and then hold ";" (a "}" inside doubled).
+struct Item {
+    std::string_view key;    // trimmed; empty for a bare item
+    std::string_view value;  // as written, braces included
+    bool pair = false;
+};
+
+std::string_view trim(std::string_view s) {
+    while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
+    while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
+    return s;
+}
+
+std::vector<Item> split(std::string_view s) {
+    std::vector<Item> items;
+    std::size_t i = 0;
+    while (i < s.size()) {
+        const std::size_t start = i;
+        Item it;
+        const std::size_t eq = s.find_first_of("=;", i);
+        if (eq != std::string_view::npos && s[eq] == '=') {
+            it.pair = true;
+            it.key = trim(s.substr(start, eq - start));
+            i = eq + 1;
+            std::size_t v = i;
+            while (v < s.size() && (s[v] == ' ' || s[v] == '\t')) ++v;
+            if (v < s.size() && s[v] == '{') {
+                for (++v; v < s.size(); ++v) {
+                    if (s[v] != '}') continue;
+                    if (v + 1 < s.size() && s[v + 1] == '}') { ++v; continue; }
+                    ++v;
+                    break;
+                }
+            }
+            const std::size_t end = std::min(s.find(';', v), s.size());
+            it.value = s.substr(i, end - i);
+            i = end;
+        } else {
+            const std::size_t end = eq == std::string_view::npos ? s.size() : eq;
+            it.value = s.substr(start, end - start);
+            i = end;
+        }
+        items.push_back(it);
+        if (i < s.size()) ++i;  // the ";"
+    }
+    return items;
+}
+
+bool isPassword(std::string_view key) { return sameText(key, "PWD") || sameText(key, "PASSWORD"); }
+
+}  // namespace
+
+std::string driverConnect(std::string_view connect) {
+    if (connect.size() >= 4 && sameText(connect.substr(0, 4), "ODBC") &&
+        (connect.size() == 4 || connect[4] == ';'))
+        connect.remove_prefix(std::min<std::size_t>(5, connect.size()));
+    std::string out;
+    for (const Item& it : split(connect)) {
+        if (!it.pair) {
+            if (!trim(it.value).empty()) out += toUtf8(it.value) + ";";
+            continue;
+        }
+        const std::string_view v = trim(it.value);
+        std::string value = toUtf8(it.value);
+        if (v.size() >= 3 && v[1] == ':' && v[2] == '\\') {
+            char host[4096];
+            const std::string path(v);
+            if (Vnt_LfnToHost(path.c_str(), host, sizeof host)) {
+                value = host;
+                if (value.find_first_of(";{}") != std::string::npos || value.front() == ' ') {
+                    std::string braced = "{";
+                    for (char c : value) braced += c == '}' ? std::string("}}") : std::string(1, c);
+                    value = braced + "}";
+                }
+            }
+        }
+        out += toUtf8(it.key) + "=" + value + ";";
+    }
+    return out;
+}
+
+}  // namespace vnt::db
+
+const char* Vnt_DbLastState() { return vnt::db::state().lastState.c_str(); }
+const char* Vnt_DbLastError() { return vnt::db::state().lastText.c_str(); }
+long Vnt_DbLastNative() { return vnt::db::state().lastNative; }
+
+void Vnt_DbClearError() {
+    vnt::db::State& s = vnt::db::state();
+    s.lastState.clear();
+    s.lastText.clear();
+    s.lastNative = 0;
+}
+
+std::string Vnt_DbMaskConnect(const char* connect) {
+    if (!connect) return {};
+    const std::string_view s(connect);
+    std::string out;
+    std::size_t done = 0;
+    for (const vnt::db::Item& it : vnt::db::split(s)) {
+        if (!it.pair || !vnt::db::isPassword(it.key)) continue;
+        const std::size_t at = static_cast<std::size_t>(it.value.data() - s.data());
+        out.append(s.substr(done, at - done));
+        out += "****";
+        done = at + it.value.size();
+    }
+    out.append(s.substr(done));
+    return out;
+}

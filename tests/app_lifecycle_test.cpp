@@ -1,0 +1,305 @@
+// The application's start and end: what the init records and starts with
+// and without a module table, its failures, the version record of a
+// compiled application library, the hard exit, and the frame's utilities
+// (busy cursor, delays, keyboard state, prefix ranges).
+#include <gtest/gtest.h>
+
+#include "support.h"
+
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "vanto/app.h"
+#include "vanto/lfn.h"
+#include "vanto/ui/msgbox.h"
+#include "vanto/ui/window.h"
+#include "vanto/vtm.h"
+#include "vtmtool/vtm_writer.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+int g_edInits = 0, g_edTerms = 0;
+bool g_edAnswer = true;
+bool edInit() { return ++g_edInits, g_edAnswer; }
+void edTerm() { ++g_edTerms; }
+
+std::string lib(const fs::path& p) {
+    VNT_PATH b{};
+    return Vnt_LfnFromHost(b, p.c_str()) ? b : "(not mappable)";
+}
+
+const char* const kAppMsg = "segment APPMSG\n1 \"Hallo\"\n";
+
+class AppLifecycle : public ::testing::Test {
+protected:
+    void SetUp() override {
+        cwd_ = vnt::host::curDir();
+        dir_ = fs::temp_directory_path() / ("vanto_applife_" + std::to_string(std::random_device{}()));
+        fs::create_directories(dir_ / "sub");
+        fs::copy_file(VANTO_SYSLIB_EN, dir_ / "VNT60LIB.VTM");
+        fresh();
+    }
+    void TearDown() override {
+        vnt::test::resetAll();
+        Vnt_UiSetPresenter(old_);
+        vnt::host::setProgramFile("");
+        vnt::host::setCurDir(cwd_);
+        fs::remove_all(dir_);
+    }
+    // A fresh process started in the program directory, where the system
+    // library lies.
+    void fresh() {
+        vnt::test::resetAll();
+        vnt::host::setProgramFile(lib(dir_ / "Fibu.exe"));
+        ASSERT_TRUE(vnt::host::setCurDir(lib(dir_)));
+        old_ = Vnt_UiSetPresenter(&box);
+        box.shown.clear();
+        g_edInits = g_edTerms = 0;
+        g_edAnswer = true;
+        Vnt_EdSetHooks(edInit, edTerm);
+    }
+    // Fibu.vtm, compiled by vtmc from the container's segments.
+    void appLibrary(const std::string& segments) const {
+        std::ofstream(dir_ / "Fibu.vtms", std::ios::binary) << "container FIBU\n" << segments;
+        const std::string cmd = std::string("'") + VTMC_EXE + "' '" + (dir_ / "Fibu.vtms").string() + "' -o '" +
+                                (dir_ / "Fibu.vtm").string() + "'";
+        ASSERT_EQ(std::system(cmd.c_str()), 0) << cmd;
+    }
+    // INI\Modules.vtm, one message a line.
+    void moduleTable(const std::vector<std::string>& lines) const {
+        vtmtool::Library l{"MODULES", 60, 0, -1, {}};
+        for (std::size_t i = 0; i < lines.size(); ++i) l.messages.push_back({uint16_t(i + 1), lines[i]});
+        fs::create_directories(dir_ / "INI");
+        vtmtool::writeFileAtomic(dir_ / "INI" / "Modules.vtm", vtmtool::writeLibrary(l));
+    }
+    static bool interfaceStarted() {
+        if (!Vnt_MsgItfInit(nullptr, 0)) return true;
+        Vnt_MsgItfTerm();
+        return false;
+    }
+
+    VntScriptedPresenter box;
+    VntMsgPresenter* old_ = nullptr;
+    std::string cwd_;
+    fs::path dir_;
+};
+
+TEST_F(AppLifecycle, WithoutModuleTableOnlyTheMessageLibraryOpens) {
+    appLibrary(kAppMsg);
+    ASSERT_TRUE(Vnt_AppMainInit("--ignored"));
+    EXPECT_EQ(Vnt_AppProgDir(), lib(dir_));
+    EXPECT_STREQ(Vnt_AppProgName(), "Fibu.exe");
+    EXPECT_STREQ(Vnt_AppProgBaseName(), "Fibu");
+    EXPECT_EQ(Vnt_AppStartDir(), lib(dir_));
+    EXPECT_STREQ(Vnt_AppMsgLoad(1), "Hallo");
+    EXPECT_EQ(g_edInits, 0);
+    EXPECT_FALSE(interfaceStarted());
+    // The end does nothing at all: even the message library stays open.
+    Vnt_AppMainTerm();
+    EXPECT_EQ(g_edTerms, 0);
+    EXPECT_NE(Vnt_AppMsgGetHandle(), nullptr);
+    EXPECT_TRUE(box.shown.empty());
+}
+
+TEST_F(AppLifecycle, WithModuleTableTheServicesStartOnce) {
+    appLibrary(kAppMsg);
+    moduleTable({"12 Kasse.dll Kasse KasseMain 0"});
+    ASSERT_TRUE(Vnt_AppMainInit());
+    EXPECT_TRUE(vnt::app::moduleTableLoaded());
+    EXPECT_TRUE(g_edInits == 1 && interfaceStarted());
+    // A second init changes nothing, the start directory included.
+    ASSERT_TRUE(vnt::host::setCurDir(lib(dir_ / "sub")));
+    vnt::host::setProgramFile(lib(dir_ / "Other.exe"));
+    EXPECT_TRUE(Vnt_AppMainInit());
+    EXPECT_EQ(Vnt_AppStartDir(), lib(dir_));
+    EXPECT_STREQ(Vnt_AppProgName(), "Fibu.exe");
+    EXPECT_EQ(g_edInits, 1);
+
+    Vnt_AppMainTerm();
+    EXPECT_EQ(g_edTerms, 1);
+    EXPECT_FALSE(interfaceStarted());
+    EXPECT_EQ(Vnt_AppMsgGetHandle(), nullptr);
+    EXPECT_FALSE(vnt::app::moduleTableLoaded());
+    EXPECT_TRUE(box.shown.empty());
+}
+
+TEST_F(AppLifecycle, InitFailures) {
+    // Only the missing library is reported (by the message system).
+    struct Row { const char* name; bool appLib, edAnswer, interfaceFirst; int edInits; std::size_t boxes; };
+    const Row rows[] = {
+        {"no application library", false, true, false, 0, 1},
+        {"the edit control refuses", true, false, false, 1, 0},
+        {"the message interface runs already", true, true, true, 0, 0},
+    };
+    for (const Row& r : rows) {
+        fresh();
+        fs::remove(dir_ / "Fibu.vtm");
+        if (r.appLib) appLibrary(kAppMsg);
+        moduleTable({"12 Kasse.dll Kasse KasseMain 0"});
+        g_edAnswer = r.edAnswer;
+        if (r.interfaceFirst) {
+            ASSERT_TRUE(Vnt_MsgItfInit(nullptr, 0));
+        }
+        EXPECT_FALSE(Vnt_AppMainInit()) << r.name;
+        EXPECT_EQ(g_edInits, r.edInits) << r.name;
+        EXPECT_EQ(box.shown.size(), r.boxes) << r.name;
+    }
+}
+
+TEST_F(AppLifecycle, VersionRecordFromTheApplicationLibrary) {
+    const std::string text1(140, 't');
+    appLibrary(std::string(kAppMsg) + "segment APPVER\n1 \"" + text1 + "\"\n2 \"Finanzbuchhaltung\"\n3 \"6\"\n4 \"07b\"\n"
+               "5 \"17\"\n6 \"-3\"\n7 \"ENUX\"\n8 \"B\"\n9 \"1234567\"\n");
+    ASSERT_TRUE(Vnt_AppMainInit());
+    const VNT_APP_VER* v = Vnt_AppVerInfo();
+    EXPECT_EQ(std::vector<int>({v->nMajor, v->nMinor, v->nVersion, v->nEntry5, v->nEntry6}),
+              std::vector<int>({6, 7, 607, 17, -3}));
+    EXPECT_EQ(std::string(v->pszText1), text1.substr(0, 127));
+    EXPECT_STREQ(v->pszText2, "Finanzbuchhaltung");
+    EXPECT_STREQ(v->szEntry7, "ENU");
+    EXPECT_STREQ(v->szEntry8, "B");
+    EXPECT_STREQ(v->szEntry9, "12345");
+    EXPECT_EQ(Vnt_AppVerInfo(), v);
+    EXPECT_TRUE(box.shown.empty());
+}
+
+TEST_F(AppLifecycle, VersionRecordWithoutVersionSection) {
+    appLibrary(kAppMsg);
+    ASSERT_TRUE(Vnt_AppMainInit());
+    const VNT_APP_VER* v = Vnt_AppVerInfo();
+    EXPECT_TRUE(v->nMajor == 0 && v->nMinor == 0 && v->nVersion == 0 && !v->szEntry7[0] && !v->szEntry9[0]);
+    ASSERT_TRUE(v->pszText1 && v->pszText2);
+    EXPECT_TRUE(!*v->pszText1 && !*v->pszText2);
+    EXPECT_TRUE(box.shown.empty());
+}
+
+void closeConnection() { std::fputs("connection closed\n", stderr); }
+
+// Reports every window it destroys.
+struct DyingWindows final : VntHeadlessWindowPort {
+    void Destroy(VNT_HWND w) override {
+        std::fprintf(stderr, "destroyed %s\n", Name(w).c_str());
+        VntHeadlessWindowPort::Destroy(w);
+    }
+};
+
+using AppLifecycleDeathTest = AppLifecycle;
+TEST_F(AppLifecycleDeathTest, ExitClosesTheConnectionAndTheMainWindow) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(Vnt_AppMainExitApplication(0), ::testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(
+        {
+            DyingWindows win;
+            Vnt_UiSetWindow(&win);
+            win.CreateFake("Nebenfenster");
+            win.SetMainWindow(win.CreateFake("Hauptfenster"));
+            Vnt_AppSetConnCloseHook(closeConnection);
+            Vnt_AppMainExitApplication(4);
+        },
+        ::testing::ExitedWithCode(4), "connection closed\ndestroyed Hauptfenster\n");
+    // A reader report that is not confirmed leaves the same way.
+    EXPECT_EXIT(
+        {
+            Vnt_AppSetConnCloseHook(closeConnection);
+            Vnt_VtmSetReport([](const char*) -> VNT_RESP { return VNT_RESP_CANCEL; });
+            Vnt_VtmRead(nullptr, 5);
+        },
+        ::testing::ExitedWithCode(3), "connection closed");
+}
+
+// The utilities, through an installed window port.
+class AppUtilities : public ::testing::Test {
+protected:
+    struct Windows final : VntHeadlessWindowPort {
+        void BusyCursor(bool on) override { cursor += on ? "+" : "-"; }
+        std::string cursor;
+    };
+    void SetUp() override {
+        vnt::test::resetAll();
+        Vnt_UiSetWindow(&win);
+    }
+    void TearDown() override {
+        Vnt_UiSetWindow(nullptr);
+        vnt::test::resetAll();
+    }
+    Windows win;
+};
+
+TEST_F(AppUtilities, BusyHasNoNesting) {
+    Vnt_Unbusy();  // not busy: nothing shown
+    Vnt_Busy(), Vnt_Busy(), Vnt_Unbusy(), Vnt_Unbusy();
+    EXPECT_EQ(win.cursor, "++-");
+}
+
+TEST_F(AppUtilities, DelayServesPostedMessagesWithoutSpinning) {
+    struct Row { const char* name; bool serve; unsigned long ms; int delivered; };
+    const Row rows[] = {
+        {"no delay", true, 0, 0},
+        {"delay", true, 120, 3},
+        {"wait", false, 60, 0},
+    };
+    for (const Row& r : rows) {
+        int delivered = 0;
+        VNT_HWND w = win.CreateFake("w", [&](VNT_HWND self, unsigned, uintptr_t, intptr_t) {
+            if (++delivered < 3) win.Post(self, 0x400, 0, 0);  // each on a later pass
+            return 0L;
+        });
+        win.Post(w, 0x400, 0, 0);
+        const std::int64_t t0 = vnt::host::tickMs();
+        const std::clock_t c0 = std::clock();
+        r.serve ? Vnt_Delay(r.ms) : Vnt_DelayWait(r.ms);
+        const double cpuMs = 1000.0 * double(std::clock() - c0) / CLOCKS_PER_SEC;
+        const std::int64_t took = vnt::host::tickMs() - t0;
+        EXPECT_GE(took, std::int64_t(r.ms)) << r.name;
+        EXPECT_EQ(delivered, r.delivered) << r.name;
+        if (r.ms) {
+            EXPECT_LT(cpuMs, double(took) / 2) << r.name << ": the wait should sleep";
+        }
+        win.Clear();
+    }
+}
+
+TEST_F(AppUtilities, KeyStateTakesTheModifierBits) {
+    for (int keys : {0, 1, 3, 6, 7, 0xFF}) {
+        win.keys = keys;
+        EXPECT_EQ(int(Vnt_KeyState()), keys & 7) << keys;
+    }
+}
+
+TEST(AppLongBeginsWith, RangesOfAPrefix) {
+    struct Row { long prefix, low, high, outLow, outHigh, result; };
+    const Row rows[] = {
+        {12, 1000, 9999, 1200, 1299, 1200},
+        {5, 10, 40, 50, 40, 59},        // beyond high: the computed high is the answer
+        {123, 1000, 1999, 1230, 1239, 1230},
+        {1, 50, 500, 50, 199, 10},      // raised to low; the answer is the value before
+        {3, 100, 250, 300, 250, 399},
+        {12345, 10, 99, 12, 12, 12},    // only as many digits as the bounds have
+        {2, 150, 2999, 200, 2999, 200},
+    };
+    for (const Row& r : rows) {
+        long lo = -7, hi = -7;
+        EXPECT_EQ(Vnt_LongBeginsWith(r.prefix, r.low, r.high, &lo, &hi), r.result) << r.prefix << " " << r.low;
+        EXPECT_EQ(lo, r.outLow) << r.prefix << " " << r.low;
+        EXPECT_EQ(hi, r.outHigh) << r.prefix << " " << r.low;
+    }
+    EXPECT_EQ(Vnt_LongBeginsWith(12, 1000, 9999, nullptr, nullptr), 1200);
+}
+
+TEST(AppPaths, LongValuesAreCut) {
+    vnt::test::resetAll();
+    const std::string dsn(300, 'd');
+    EXPECT_TRUE(Vnt_AppSetDSN(dsn.c_str()));
+    EXPECT_EQ(std::string(Vnt_AppDSN()), dsn.substr(0, 259));
+    vnt::test::resetAll();
+    EXPECT_STREQ(Vnt_AppDSN(), "");
+}
+
+}  // namespace
