@@ -74,10 +74,7 @@ protected:
     }
     // INI\Modules.vtm, one message a line.
     void moduleTable(const std::vector<std::string>& lines) const {
-        vtmtool::Library l{"MODULES", 60, 0, -1, {}};
-        for (std::size_t i = 0; i < lines.size(); ++i) l.messages.push_back({uint16_t(i + 1), lines[i]});
-        fs::create_directories(dir_ / "INI");
-        vtmtool::writeFileAtomic(dir_ / "INI" / "Modules.vtm", vtmtool::writeLibrary(l));
+        vnt::test::writeIniLibrary(dir_, "Modules.vtm", lines);
     }
     static bool interfaceStarted() {
         if (!Vnt_MsgItfInit(nullptr, 0)) return true;

@@ -71,10 +71,7 @@ protected:
     }
     // INI\Modules.vtm with one module a line, loaded.
     void table(const std::vector<std::string>& lines) {
-        vtmtool::Library l{"MODULES", 60, 0, -1, {}};
-        for (std::size_t i = 0; i < lines.size(); ++i) l.messages.push_back({uint16_t(i + 1), lines[i]});
-        fs::create_directories(dir_ / "INI");
-        vtmtool::writeFileAtomic(dir_ / "INI" / "Modules.vtm", vtmtool::writeLibrary(l));
+        vnt::test::writeIniLibrary(dir_, "Modules.vtm", lines);
         ASSERT_TRUE(vnt::app::loadModuleTable());
     }
     // The messages of the main window (its number only).

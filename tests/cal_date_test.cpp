@@ -67,10 +67,7 @@ protected:
     }
     // INI\App.vtm of the program directory, one message a line.
     void appVtm(const std::vector<std::string>& lines) {
-        vtmtool::Library l{"APPINI", 60, 0, -1, {}};
-        for (std::size_t i = 0; i < lines.size(); ++i) l.messages.push_back({uint16_t(i + 1), lines[i]});
-        fs::create_directories(dir_ / "INI");
-        vtmtool::writeFileAtomic(dir_ / "INI" / "App.vtm", vtmtool::writeLibrary(l));
+        vnt::test::writeIniLibrary(dir_, "App.vtm", lines);
     }
     // Loads the settings (defaults), then puts in the first day and minimum.
     static void weekRule(int firstDay, int minDays) {

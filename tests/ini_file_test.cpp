@@ -53,10 +53,7 @@ protected:
     }
     // The application file: one message a line.
     void appVtm(const std::vector<std::string>& lines) {
-        vtmtool::Library l{"APPINI", 60, 0, -1, {}};
-        for (std::size_t i = 0; i < lines.size(); ++i) l.messages.push_back({uint16_t(i + 1), lines[i]});
-        fs::create_directories(dir_ / "INI");
-        vtmtool::writeFileAtomic(dir_ / "INI" / "App.vtm", vtmtool::writeLibrary(l));
+        vnt::test::writeIniLibrary(dir_, "App.vtm", lines);
     }
     void put(const std::string& name, const std::string& s) const { std::ofstream(dir_ / name, std::ios::binary) << s; }
     std::string text(const std::string& name) const {

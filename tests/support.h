@@ -14,8 +14,24 @@
 #include "msg/vtm_internal.h"
 #include "ui/ui_state.h"
 #include "vanto/ini.h"
+#include "vtmtool/vtm_writer.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
 
 namespace vnt::test {
+
+/// Writes INI\`name` below `programDir` as a message library with one
+/// message a line (IDs from 1): the form of "App.vtm" and "Modules.vtm".
+inline void writeIniLibrary(const std::filesystem::path& programDir, const std::string& name,
+                            const std::vector<std::string>& lines) {
+    vtmtool::Library l{"APPINI", 60, 0, -1, {}};
+    for (std::size_t i = 0; i < lines.size(); ++i) l.messages.push_back({std::uint16_t(i + 1), lines[i]});
+    std::filesystem::create_directories(programDir / "INI");
+    vtmtool::writeFileAtomic(programDir / "INI" / name, vtmtool::writeLibrary(l));
+}
 
 inline void resetAll() {
     vnt::ini::reset();  // closes the library-wide engine before the message system goes

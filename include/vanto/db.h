@@ -133,7 +133,9 @@ enum class VntDbKind : int {
     Text,       ///< CHAR, VARCHAR, their wide and long forms, and unknown types
     Integer,    ///< BIT, TINYINT, SMALLINT, INTEGER, BIGINT
     Double,     ///< REAL, FLOAT, DOUBLE
-    Decimal,    ///< DECIMAL, NUMERIC: kept as the driver's text ("10.5")
+    Decimal,    ///< DECIMAL, NUMERIC (also a character column whose type name
+                ///< says so, as SQLite's driver reports them): kept as the
+                ///< driver's text ("10.5")
     Date,       ///< DATE
     Time,       ///< TIME
     Timestamp,  ///< TIMESTAMP

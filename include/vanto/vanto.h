@@ -5,6 +5,8 @@
 #include "vanto/amount.h"
 #include "vanto/base.h"
 #include "vanto/date.h"
+#include "vanto/db.h"
+#include "vanto/dsn.h"
 #include "vanto/ini.h"
 #include "vanto/lfn.h"
 #include "vanto/locale.h"
