@@ -39,6 +39,17 @@
 #include "vanto/base.h"
 #include "vanto/ini.h"
 
+/// Size of a connect-string buffer: connect strings stay below 2047
+/// characters.
+inline constexpr int VNT_DSN_CONNECT_SIZE = 2048;
+
+/// Adds a pair to a connect-string buffer of VNT_DSN_CONNECT_SIZE
+/// characters whose length is *length: an empty buffer first becomes
+/// "ODBC;"; then "key=value;" (without a key: "value;") is appended when the
+/// result stays below 2047 characters. Else internal error 1 and false, the
+/// pair not added.   ("", "Driver", "SQLite3") => "ODBC;Driver=SQLite3;"
+VANTO_API bool Vnt_DsnConnectAdd(char* buffer, long* length, const char* key, const char* value);
+
 /// One client, as read from its section.
 struct DsnEntry {
     char name[VNT_MAX_PATH];  ///< display name
@@ -140,8 +151,42 @@ public:
     /// Registries alive in the process.
     static long LiveCount();
 
+    // -- connecting a client ---------------------------------------------
+    /// Connects the process-wide database to a client (the settings must be
+    /// loaded, LoadSettings). An empty or null `name` means the registry's
+    /// current name (Name()). With a null `path` the client comes from
+    /// "dsn.ini" (found by its display name; none: false); with a path the
+    /// connection goes directly to that path, stored under the path-spec key.
+    /// The connect string holds, in this order: "Ddfpath" (empty: the program
+    /// directory), "Datapath" (from "dsn.ini"; with a path: the path-spec
+    /// pair instead), "Driver" (empty: DefaultDriver()), "UID",
+    /// "MAXBUFFERSIZE=4096", then the client's other lines in file order:
+    /// "DtaPth" and path-spec lines as the path-spec pair, every other line
+    /// as it stands; "*" and "DSN" name the client, "Driver", "UID",
+    /// "Ddfpath" and "Datapath" are not repeated. The path-spec value is the
+    /// database file of the path (ResolvePath), the data path its data
+    /// directory. No data path at all is an internal error report: false.
+    /// On success the process-wide data source name, DD path and data path
+    /// describe the client and the main window gets 0x7F15; on failure the
+    /// previous connection is open again (when there was one) and the
+    /// registry takes the process-wide values back.
+    bool Connect(const char* name, const char* path = nullptr);
+    /// The connect string built by the last Connect ("ODBC;..."), the
+    /// client's name, data path, DD path, driver and user identifier.
+    const char* ConnectString() const { return connect_; }
+    const char* Name() const { return name_; }
+    const char* DataPath() const { return dataPath_; }
+    const char* DDPath() const { return ddPath_; }
+    const char* Driver() const { return driver_; }
+    const char* UID() const { return uid_; }
+    /// Forgets the changes made to the list in memory (the modified mark);
+    /// the file stays as it is.
+    void DiscardChanges() { modified_ = false; }
+
 private:
     bool readName(int number, char (&name)[VNT_MAX_PATH]);
+    bool add(const char* key, const char* value);
+    bool addPath(const char* value);
 
     VntIniX ini_;
     void* owner_;
@@ -153,4 +198,12 @@ private:
     unsigned long timeAtLoad_ = 0;
     bool modified_ = false;
     bool loaded_ = false;
+    // The connection being built (Connect).
+    char connect_[VNT_DSN_CONNECT_SIZE] = {};
+    long connectLen_ = 0;
+    char name_[VNT_MAX_PATH] = {};
+    char dataPath_[VNT_MAX_PATH] = {};
+    char ddPath_[VNT_MAX_PATH] = {};
+    char driver_[80] = {};
+    char uid_[80] = {};
 };
