@@ -34,6 +34,7 @@
 // and "DsnDBFileName" plays no part. See DsnIni::ResolvePath.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "vanto/base.h"
@@ -207,3 +208,132 @@ private:
     char driver_[80] = {};
     char uid_[80] = {};
 };
+
+// ---------------------------------------------------------------------------
+// The connection of the current client
+// ---------------------------------------------------------------------------
+//
+// The application works on one database connection at a time. The process-
+// wide data source name, data path and DD path (vanto/app.h) describe it,
+// in the library's path form, and the main window gets 0x7F15 (0, 0) after
+// every successful connect, restore and close. A failed open brings the
+// last connection that opened back, so the application keeps its client.
+//
+// The saved-connection text (Vnt_AppConnSave) is three lines joined by a
+// line feed: the connect string, the data source name, the data path.
+
+class VntDatabase;
+class VntRecordset;
+
+/// Connects directly to `path` (empty or null: `name` is the path) under the
+/// display name `name`: closes the current connection, loads the registry's
+/// settings and connects (DsnIni::Connect). The connection, or null when the
+/// settings or the connect failed.
+VANTO_API VntDatabase* Vnt_AppConnect(const char* name, const char* path);
+/// Without `restore` an open connection is returned as it is. Else (or
+/// without one) the client selection runs with `text` (null or empty: the
+/// text of system message 60300) through Vnt_DlgDsn. The connection; the
+/// application ends (code 2) when none could be opened.
+VANTO_API VntDatabase* Vnt_AppConnect(const char* text, bool restore = false, bool dialogOnly = false);
+/// Opens the client's database: unless `dialogOnly`, first `text` as a
+/// connect string (only when it holds a "key=value" pair: this host has no
+/// driver prompt that could complete "ODBC;" alone); then, until a database
+/// is open, the client selection (vanto/ui/clientsel.h, Vnt_DsnSelect). When
+/// no database is open afterwards the application ends with exit code 2
+/// (Vnt_AppMainExitApplication): the applications cannot run without a
+/// client. `connection` (may be null) receives the connection. True when the
+/// direct open or the selection succeeded. `restore` is handed to the
+/// selection.
+VANTO_API bool Vnt_DlgDsn(const char* text, VntDatabase** connection, bool restore, bool dialogOnly);
+/// Remembers the open connection's connect string ("" when none is open)
+/// and closes it (Vnt_AppCloseConnect; nothing else changes). The
+/// remembered text, valid until the next call.
+VANTO_API const char* Vnt_AppConnectSaveClose();
+/// Vnt_AppConnect(connect, true, false); an empty or null `connect` is the
+/// one Vnt_AppConnectSaveClose remembered.
+VANTO_API VntDatabase* Vnt_AppConnectRestore(const char* connect = nullptr);
+/// Closes and deletes the connection; the process-wide paths stay.
+VANTO_API void Vnt_AppCloseConnect();
+/// Vnt_AppCloseConnect, empties the data source name, DD path and data
+/// path, and sends 0x7F15 to the main window. Vnt_AppMainExitApplication
+/// calls it (installed when a connection is first made).
+VANTO_API void Vnt_AppConnClose();
+/// The connection, null when none.
+VANTO_API VntDatabase* Vnt_AppGetConnect();
+/// Sets the record set's database to the connection; true when that is
+/// open; false for a null record set.
+VANTO_API bool Vnt_AppGetConnect(VntRecordset* recordset);
+/// The open connection's connect string (passwords included: not for
+/// showing); "" when none is open.
+VANTO_API std::string Vnt_AppConnGet();
+/// The parts of a saved-connection text (null is ""):
+/// the connect string - the text before the first line feed, "" when there
+/// is no line feed after the first character;
+VANTO_API std::string Vnt_AppConnGet(const char* saved);
+/// the data source name - between the first and the second line feed (all
+/// after the first when there is no second), "" without a line feed;
+VANTO_API std::string Vnt_AppConnGetDsn(const char* saved);
+/// the data path - all after the second line feed ("" with fewer than two;
+/// further lines are part of it).
+VANTO_API std::string Vnt_AppConnGetDatapath(const char* saved);
+/// The saved-connection text of the connection now: connect string, line
+/// feed, data source name, line feed, data path.
+VANTO_API void Vnt_AppConnSave(std::string& saved);
+/// Opens the saved connection again (Vnt_AppConnectRestore with its
+/// connect string) and sets the data source name and data path from it:
+/// true, and 0x7F15. With an empty connect string: Vnt_AppConnClose and
+/// false. When the selection had to step in and the user chose another
+/// client, that client stays connected: false.
+VANTO_API bool Vnt_AppConnRestore(const char* saved);
+/// Adds a client to "dsn.ini" at the end or, when a client of that name
+/// (else of that path) exists, gives it the new name and path. Only an
+/// added client is written: a replacement stays in memory and is not saved
+/// (true). False when the list cannot be written.
+VANTO_API bool Vnt_AppConnectDSNAppend(const char* name, const char* path);
+/// Removes a client from "dsn.ini": found by `path` when one is given, else
+/// by `name`; a client not found removes the LAST client (kept as the
+/// applications know it). The result of writing the list.
+VANTO_API bool Vnt_AppConnectDSNRemove(const char* name, const char* path);
+
+// ---------------------------------------------------------------------------
+// What the client selection does (vanto/ui/clientsel.h shows it)
+// ---------------------------------------------------------------------------
+
+/// Connects the client `name` of "dsn.ini" through `registry` (settings
+/// loaded) and then runs the client-change modules (Vnt_AppModRunClientChain);
+/// when they fail the connection is closed (Vnt_AppConnClose). True when the
+/// client is connected and the chain passed.
+VANTO_API bool Vnt_DsnConnectClient(DsnIni& registry, const char* name);
+/// The same with a registry of its own (false when "dsn.ini" is missing).
+VANTO_API bool Vnt_DsnConnectClient(const char* name);
+/// True when a client's path exists: with "DsnIsFile" its database file
+/// (DsnIni::ResolvePath), else the path as a directory or file.
+VANTO_API bool Vnt_DsnPathExists(const char* path);
+/// Starts the client installation (module 24, by number) for `path`: with
+/// "DsnIsFile" and a path whose file name is "DsnDBFileName" (any case) for
+/// its directory, else for the path; argument 1 is a `const char*` to that
+/// text. True when the module loaded and its result is not 0.
+VANTO_API bool Vnt_DsnInstallClient(const char* path);
+/// OK of the selection for entry `index` of `registry` (entries loaded):
+/// a path that does not exist is asked about (60358; only Yes goes on) and
+/// the installation started for it; the list is written; the connection now
+/// is kept in `saved` (Vnt_AppConnSave); then the client is connected
+/// (Vnt_DsnConnectClient). True when the selection may close with OK; false
+/// keeps it open (also for a bad index).
+VANTO_API bool Vnt_DsnSelectOk(DsnIni& registry, int index, std::string& saved);
+/// Cancel of the selection: a changed list is asked about (60359; Cancel and
+/// No keep the selection open: false) and its changes dropped without
+/// writing. When `registry` is the only registry alive, the connection
+/// `saved` when the selection began is restored (Vnt_AppConnRestore) if it
+/// differs from the connection now or none is open. True: close with Cancel.
+VANTO_API bool Vnt_DsnSelectCancel(DsnIni& registry, const char* saved);
+/// The installation step of the entry dialog for a client `name` at `path`
+/// (`moved`: the path is new or changed): starts the installation
+/// (Vnt_DsnInstallClient; failure: false, nothing else done), keeps the
+/// connection now, then - moved - connects the registry to name and path
+/// or - not moved - makes `name` the data source name, sends 0x7F15 and
+/// loads module 23 by number. True when that module loaded with a non-zero
+/// result. Otherwise the kept connection is restored, `formerPath` (may be
+/// null) receives the data source name now, and false.
+VANTO_API bool Vnt_DsnSetUpClient(DsnIni& registry, const char* name, const char* path, bool moved,
+                                  char (*formerPath)[VNT_MAX_PATH]);

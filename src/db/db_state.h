@@ -6,6 +6,8 @@
 
 #include "vanto/base.h"
 
+class VntDatabase;
+
 namespace vnt::db {
 
 struct State {
@@ -23,12 +25,19 @@ struct State {
     char dbFileName[40] = {};     ///< "DsnDBFileName"
     long isFile = 1;              ///< "DsnIsFile"
     long liveRegistries = 0;      ///< DsnIni objects alive
+
+    // The connection of the current client.
+    VntDatabase* connection = nullptr;  ///< null when none; owned here
+    std::string lastGood;               ///< connect string of the last database that opened
+    std::string savedConnect;           ///< kept by Vnt_AppConnectSaveClose
+    bool closeHookSet = false;          ///< Vnt_AppConnClose installed for the exit
 };
 
 State& state();
 
-/// Back to a fresh process: settings to be read again, no last failure. The
-/// ODBC environment goes only when no connection is left on it.
+/// Back to a fresh process: the connection closed and deleted, settings to
+/// be read again, no last failure. The ODBC environment goes only when no
+/// connection is left on it.
 void reset();
 
 }  // namespace vnt::db

@@ -27,6 +27,8 @@ State& state() {
 
 void reset() {
     State& s = state();
+    delete s.connection;  // before the environment it lives on
+    s.connection = nullptr;
     void* env = s.env;
     const long connections = s.connections;
     if (env && connections == 0) {

@@ -85,6 +85,9 @@ public:
     bool copyTimeFrom(File& other);
     /// Tells the host the file will be read once from start to end.
     void adviseSequential();
+    /// Reserves `size` bytes for a file about to be written (a hint: false
+    /// when the host cannot, which changes nothing).
+    bool reserve(std::uint64_t size);
 
 private:
     int fd_ = -1;

@@ -180,8 +180,10 @@ std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
         } else {
             in.adviseSequential();
             Vnt_LfnDirCreateFromFile(dst);
-            if (out.openWrite(dst))
+            if (out.openWrite(dst)) {
                 truncated = true;
+                out.reserve(length_);
+            }
             else
                 error_ = VNT_FC_TARGET;
         }

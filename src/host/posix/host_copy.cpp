@@ -111,6 +111,10 @@ bool File::copyTimeFrom(File& other) {
     return ::futimens(fd_, times) == 0;
 }
 
+bool File::reserve(std::uint64_t size) {
+    return fd_ >= 0 && size > 0 && ::fallocate(fd_, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) == 0;
+}
+
 void File::adviseSequential() {
     if (fd_ >= 0) ::posix_fadvise(fd_, 0, 0, POSIX_FADV_SEQUENTIAL);
 }

@@ -1,0 +1,90 @@
+// The client selection: running it once for Vnt_DlgDsn, the headless
+// selection (the default client, else a choice on the terminal) and the
+// scripted one for tests.
+#include <string>
+
+#include "base/port_slot.h"
+#include "host/host.h"
+#include "vanto/dsn.h"
+#include "vanto/ini.h"
+#include "vanto/module.h"
+#include "vanto/text.h"
+#include "vanto/ui/clientsel.h"
+
+VntClientSelectPort::~VntClientSelectPort() = default;
+
+namespace {
+
+vnt::PortSlot<VntClientSelectPort>& slot() {
+    static VntHeadlessClientSelect headless;
+    static vnt::PortSlot<VntClientSelectPort> s(headless);
+    return s;
+}
+
+// Marks a registry as owned by a selection, so that LoadSettings loads the
+// entries as well.
+int selectionMark;
+
+}  // namespace
+
+VntClientSelectPort& Vnt_UiClientSelect() { return slot().get(); }
+
+VntClientSelectPort* Vnt_UiSetClientSelect(VntClientSelectPort* port) { return slot().set(port); }
+
+VNT_RESP Vnt_DsnSelect(const char* text, bool restore, bool force) {
+    DsnIni registry(&selectionMark);
+    if (!registry.LoadSettings()) return VNT_RESP_CANCEL;
+    VntClientSelectRequest request;
+    request.text = text ? text : "";
+    request.restore = restore;
+    request.force = force;
+    {
+        VntIni user(nullptr, "DSN", VNTINI_USER | VNTINI_ACCESS_RW);
+        char name[VNT_MAX_PATH] = {};
+        user.ReadStr("Default", "", name, sizeof name);
+        request.defaultClient = name;
+        request.showAtStart = user.ReadInt("ShowDlg", 1) > 0;
+    }
+    if (!request.showAtStart && !force && !request.defaultClient.empty() &&
+        Vnt_DsnConnectClient(registry, request.defaultClient.c_str()))
+        return VNT_RESP_OK;
+    const VNT_RESP r = Vnt_UiClientSelect().Run(request, registry);
+    if (r != VNT_RESP_OK) return r;
+    if (const long module = Vnt_AppModQueuePop()) Vnt_AppModLoad(module, 0, 0, false);
+    return VNT_RESP_OK;
+}
+
+VNT_RESP VntHeadlessClientSelect::Run(const VntClientSelectRequest& request, DsnIni& registry) {
+    using vnt::host::writeStderr;
+    if (!request.defaultClient.empty() && registry.FindEntry(request.defaultClient.c_str()) > 0)
+        return Vnt_DsnConnectClient(registry, request.defaultClient.c_str()) ? VNT_RESP_OK : VNT_RESP_CANCEL;
+    if (registry.Count() == 0 || !vnt::host::interactiveTerminal()) return VNT_RESP_CANCEL;
+    std::string list = "\n== Mandantenauswahl ==\n";
+    for (int i = 0; i < registry.Count(); ++i)
+        list += "  " + std::to_string(i + 1) + "  " + Vnt_TxtToUtf8(registry.Entry(i)->name) + "  (" +
+                Vnt_TxtToUtf8(registry.Entry(i)->path) + ")\n";
+    writeStderr(list);
+    for (;;) {
+        writeStderr("Mandant (1-" + std::to_string(registry.Count()) + ", leer: Abbrechen): ");
+        std::string line;
+        if (!vnt::host::readLine(line) || line.empty()) return VNT_RESP_CANCEL;
+        int n = 0;
+        for (char c : line) n = c >= '0' && c <= '9' && n < 100000 ? n * 10 + (c - '0') : -1;
+        const DsnEntry* e = n > 0 ? registry.Entry(n - 1) : nullptr;
+        if (!e) {
+            writeStderr("Keine solche Nummer.\n");
+            continue;
+        }
+        if (Vnt_DsnConnectClient(registry, e->name)) return VNT_RESP_OK;
+        writeStderr("Der Mandant konnte nicht verbunden werden.\n");
+    }
+}
+
+VNT_RESP VntScriptedClientSelect::Run(const VntClientSelectRequest& request, DsnIni& registry) {
+    requests.push_back(request);
+    if (answers.empty()) return VNT_RESP_CANCEL;
+    const VntClientSelectAnswer a = answers.front();
+    answers.pop_front();
+    if (a.client.empty()) return a.result;
+    return Vnt_DsnConnectClient(registry, a.client.c_str()) ? VNT_RESP_OK : VNT_RESP_CANCEL;
+}
