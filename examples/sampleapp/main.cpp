@@ -42,6 +42,11 @@ int main() {
     VNT_HWND main = windows ? windows->CreateFake("Sample", mainWindow) : nullptr;
     if (windows) windows->SetMainWindow(main);
 
+    // Like a desktop shortcut's "start in": the system library is looked
+    // for in the current directory only.
+    VNT_PATH progDir;
+    if (Vnt_LfnProgDirName(progDir, sizeof progDir)) Vnt_LfnDirSet(progDir);
+
     if (!Vnt_AppMainInit()) {
         std::fprintf(stderr, "Sample: the library could not be started.\n");
         return 1;
