@@ -2,7 +2,9 @@
 // beside this program: INI\App.vtm, INI\Modules.vtm, the system library,
 // its own message library Sample.vtm, USR), loads modules by number, shows
 // messages through the console presenter, prints today's date and week and
-// a few amounts in the locale's form, and ends the library.
+// a few amounts in the locale's form, connects the user's default client
+// (INI\dsn.ini, an SQLite database in the client's data directory) and
+// counts the articles of its database, and ends the library.
 #include <cstdio>
 #include <string>
 
@@ -28,6 +30,28 @@ void load(long module, long arg1 = 0, long arg2 = 0) {
     const bool ok = Vnt_AppModLoad(module, arg1, arg2);
     say(std::string("  ") + (ok ? "gestartet" : "nicht gestartet") +
         (ok ? ", Ergebnis " + std::to_string(Vnt_AppModResult()) : std::string()));
+}
+
+// The client: the client selection connects the user's default client
+// (without windows it takes the default; with no client at all the program
+// ends with exit code 2), the client-change module greets, and the
+// client's database gets its small article table on first use.
+void showClient() {
+    VntDatabase* db = Vnt_AppConnect("");
+    std::string count;
+    if (db->ExecuteSQL("CREATE TABLE IF NOT EXISTS artikel (nr INTEGER PRIMARY KEY, bezeichnung VARCHAR(40),"
+                       " preis NUMERIC(10,2))")) {
+        VntRecordset rs;
+        Vnt_AppGetConnect(&rs);
+        if (rs.Open("SELECT COUNT(*) AS anzahl FROM artikel") && rs.GetFieldValue("anzahl", count) && count == "0") {
+            db->ExecuteSQL("INSERT INTO artikel VALUES (1, 'Kaffeem\xFChle', 49.90), (2, 'Teekanne', 19.50),"
+                           " (3, 'Gew\xFCrzregal', 24.00)");
+            rs.Requery();
+            rs.GetFieldValue("anzahl", count);
+        }
+    }
+    say("Mandant: " + lib(Vnt_AppDSN()) + " (" + lib(Vnt_AppDataPath()) + "), " + count + " Artikel");
+    Vnt_AppConnClose();
 }
 
 }  // namespace
@@ -91,6 +115,8 @@ int main() {
     double read = 0;
     Vnt_MoneyFromStr("2,345", &read);
     say("\"2,345\" als Geldbetrag gelesen: " + std::to_string(read));
+
+    showClient();
 
     Vnt_AppTerm(main);
     Vnt_AppMainTerm();

@@ -2,6 +2,7 @@
 // client of "dsn.ini", opening it with the fallback to the last connection
 // that opened, closing, saving and restoring it, and changing the list.
 
+#include <cstdint>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -14,6 +15,7 @@
 #include "vanto/db.h"
 #include "vanto/dsn.h"
 #include "vanto/lfn.h"
+#include "vanto/module.h"
 #include "vanto/msg.h"
 #include "vanto/ui/clientsel.h"
 #include "vanto/ui/window.h"
@@ -78,6 +80,28 @@ std::string_view trimmed(std::string_view v) {
     while (!v.empty() && (v.front() == ' ' || v.front() == '\t')) v.remove_prefix(1);
     while (!v.empty() && (v.back() == ' ' || v.back() == '\t' || v.back() == '\r')) v.remove_suffix(1);
     return v;
+}
+
+/*
+ * Calls `fn(key, value, line)` for each line of a section text ("\n"
+ * after each line), trimmed; blank lines and comments are left out, a line
+ * without "=" has an empty key. Stops at the first false.
+ */
+template <class Fn>
+bool forEachLine(const char* text, Fn fn) {
+    for (const char* p = text; *p;) {
+        const char* end = std::strchr(p, '\n');
+        const std::size_t n = end ? static_cast<std::size_t>(end - p) : std::strlen(p);
+        const std::string line(trimmed(std::string_view(p, n)));
+        p += end ? n + 1 : n;
+        if (line.empty() || line[0] == ';') continue;
+        const std::string_view all = line;
+        const std::size_t eq = all.find('=');
+        const bool pair = eq != std::string_view::npos;
+        const std::string_view key = pair ? trimmed(all.substr(0, eq)) : std::string_view();
+        if (!fn(key, pair ? std::string(trimmed(all.substr(eq + 1))) : std::string(), line)) return false;
+    }
+    return true;
 }
 
 bool isKey(std::string_view key, const char* name) { return name && *name && vnt::db::sameText(key, name); }
@@ -158,7 +182,7 @@ bool DsnIni::addPath(const char* value) {
 bool DsnIni::Connect(const char* name, const char* path) {
     bool given = false;
     if (name && *name) {
-        vnt::copyBounded(name_, name);
+        if (name != name_) vnt::copyBounded(name_, name);
         given = true;
     }
     connect_[0] = '\0';
@@ -166,31 +190,23 @@ bool DsnIni::Connect(const char* name, const char* path) {
     Vnt_Busy();
     ddPath_[0] = dataPath_[0] = driver_[0] = uid_[0] = '\0';
 
-    char section[100] = {};
     char lines[4096] = {};
     bool ok = true;
     if (!path) {
         const int number = FindEntry(name_);
         ok = number > 0;
-        if (ok) {
-            vnt::copyBounded(section, VntIni::NumEntry("Dsn", number));
-            ini_.ReadSection(lines, sizeof lines, section);
-            for (const char* p = lines; *p;) {
-                const char* end = std::strchr(p, '\n');
-                const std::string_view line(p, end ? static_cast<std::size_t>(end - p) : std::strlen(p));
-                p = end ? end + 1 : p + line.size();
-                const std::size_t eq = line.find('=');
-                if (eq == std::string_view::npos) continue;
-                const std::string_view key = trimmed(line.substr(0, eq));
-                const std::string value(trimmed(line.substr(eq + 1)));
-                if (isKey(key, "Driver")) vnt::copyBounded(driver_, value);
-                else if (isKey(key, "UID")) vnt::copyBounded(uid_, value);
-                else if (isKey(key, "Ddfpath")) vnt::copyBounded(ddPath_, value);
-                else if (isKey(key, "Datapath") || isKey(key, "DtaPth")) vnt::copyBounded(dataPath_, value);
-            }
-        }
+        if (ok) ini_.ReadSection(lines, sizeof lines, VntIni::NumEntry("Dsn", number));
+        forEachLine(lines, [&](std::string_view key, const std::string& value, const std::string&) {
+            if (isKey(key, "Driver")) vnt::copyBounded(driver_, value);
+            else if (isKey(key, "UID")) vnt::copyBounded(uid_, value);
+            else if (isKey(key, "Ddfpath")) vnt::copyBounded(ddPath_, value);
+            else if (isKey(key, "Datapath") || isKey(key, "DtaPth")) vnt::copyBounded(dataPath_, value);
+            return true;
+        });
     }
     if (ok) {
+        // The program directory, also before Vnt_AppMainInit recorded it.
+        if (!ddPath_[0] && !*Vnt_AppProgDir()) Vnt_LfnProgDirName(ddPath_, sizeof ddPath_);
         if (!ddPath_[0]) vnt::copyBounded(ddPath_, Vnt_AppProgDir());
         ok = add("Ddfpath", ddPath_);
     }
@@ -201,30 +217,20 @@ bool DsnIni::Connect(const char* name, const char* path) {
     }
     if (ok && !path) {
         bool starSet = false;
-        for (const char* p = lines; ok && *p;) {
-            const char* end = std::strchr(p, '\n');
-            std::string line(p, end ? static_cast<std::size_t>(end - p) : std::strlen(p));
-            p = end ? end + 1 : p + line.size();
-            line = std::string(trimmed(line));
-            if (line.empty()) continue;
-            const std::size_t eq = line.find('=');
-            const std::string_view key = trimmed(std::string_view(line).substr(0, eq == std::string::npos ? 0 : eq));
-            const std::string value = eq == std::string::npos ? std::string() : std::string(trimmed(line.substr(eq + 1)));
-            if ((isKey(key, "DSN") && !starSet) || key == "*") {
-                // The ODBC data source name stands for the display name.
+        ok = forEachLine(lines, [&](std::string_view key, const std::string& value, const std::string& line) {
+            if (key == "*" || (isKey(key, "DSN") && !starSet)) {
+                // The ODBC data source name stands in for a display name.
                 starSet = starSet || key == "*";
                 vnt::copyBounded(name_, value);
                 given = true;
-            } else if (isKey(key, "DSN")) {
-                continue;
-            } else if (isKey(key, "DtaPth") || isKey(key, PathSpec())) {
-                ok = addPath(value.c_str());
-            } else if (isKey(key, "Driver") || isKey(key, "UID") || isKey(key, "Ddfpath") || isKey(key, "Datapath")) {
-                continue;
-            } else {
-                ok = add(nullptr, line.c_str());
+                return true;
             }
-        }
+            if (isKey(key, "DSN") || isKey(key, "Driver") || isKey(key, "UID") || isKey(key, "Ddfpath") ||
+                isKey(key, "Datapath"))
+                return true;
+            if (isKey(key, "DtaPth") || isKey(key, PathSpec())) return addPath(value.c_str());
+            return add(nullptr, line.c_str());
+        });
     }
     if (ok && !dataPath_[0]) {
         Vnt__MsgErr(kRegistrySource, __LINE__,
@@ -328,9 +334,8 @@ bool Vnt_AppGetConnect(VntRecordset* recordset) {
 std::string Vnt_AppConnGet() { return isOpen() ? st().connection->GetConnectRaw() : ""; }
 
 std::string Vnt_AppConnGet(const char* saved) {
-    if (!saved || !*saved) return "";
-    const char* lf = std::strchr(saved + 1, '\n');
-    return lf ? std::string(saved, lf) : "";
+    if (!saved || !*saved || !std::strchr(saved + 1, '\n')) return "";
+    return std::string(saved, std::strchr(saved, '\n'));
 }
 
 std::string Vnt_AppConnGetDsn(const char* saved) {
@@ -393,7 +398,7 @@ bool Vnt_AppConnectDSNRemove(const char* name, const char* path) {
 // ---------------------------------------------------------------------------
 
 bool Vnt_DsnConnectClient(DsnIni& registry, const char* name) {
-    if (!registry.Connect(name && *name ? name : registry.Name(), nullptr)) return false;
+    if (!registry.Connect(name, nullptr)) return false;
     if (Vnt_AppModRunClientChain()) return true;
     Vnt_AppConnClose();
     return false;
@@ -408,7 +413,8 @@ bool Vnt_DsnPathExists(const char* path) {
     if (!path || !*path) return false;
     if (!DsnIni::IsFile()) return existsAsDir(path) || existsAsFile(path);
     char file[VNT_MAX_PATH];
-    return DsnIni::ResolvePath(path, &file, nullptr) && existsAsFile(file);
+    if (DsnIni::ResolvePath(path, &file, nullptr) && existsAsFile(file)) return true;
+    return !DsnIni::DBFileName()[0] && existsAsDir(path);  // no file name to look for
 }
 
 bool Vnt_DsnInstallClient(const char* path) {
@@ -420,7 +426,8 @@ bool Vnt_DsnInstallClient(const char* path) {
         std::string whole = std::string(file) + ext;
         if (vnt::db::sameText(whole, DsnIni::DBFileName())) vnt::copyBounded(target, dir);
     }
-    return Vnt_AppModLoad(24, reinterpret_cast<long>(static_cast<const char*>(target)), 0, false) &&
+    const char* arg = target;
+    return Vnt_AppModLoad(24, static_cast<long>(reinterpret_cast<std::intptr_t>(arg)), 0, false) &&
            Vnt_AppModResult() != 0;
 }
 

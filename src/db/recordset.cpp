@@ -527,6 +527,11 @@ struct VntRecordset::Impl {
             const std::size_t room = sizeof buf / sizeof buf[0] - 1;
             const bool whole = ind != SQL_NO_TOTAL && static_cast<std::size_t>(ind) / sizeof(SQLWCHAR) <= room;
             const std::size_t got = whole ? static_cast<std::size_t>(ind) / sizeof(SQLWCHAR) : room;
+            if (whole && all.empty()) {  // the usual case: in one piece, no gathering
+                v.null = false;
+                v.text = vnt::db::fromWide(buf, got);
+                return true;
+            }
             all.insert(all.end(), buf, buf + got);
             if (whole) break;
         }
@@ -561,13 +566,15 @@ struct VntRecordset::Impl {
         return true;
     }
 
-    // The current row of the cursor. A field that cannot be read is shown
-    // and stays null.
-    Row readRow() {
-        Row r;
+    // The current row of the cursor into `r`, whose buffers are reused. A
+    // field that cannot be read is shown and stays null.
+    void readRow(Row& r) {
         r.values.resize(cols.size());
+        r.deleted = false;
         for (std::size_t k = 0; k < cols.size(); ++k) {
             Value& v = r.values[k];
+            v.null = true;
+            v.text.clear();
             v.kind = cols[k].kind;
             const auto col = static_cast<SQLUSMALLINT>(k + 1);
             switch (v.kind) {
@@ -604,6 +611,10 @@ struct VntRecordset::Impl {
             }
             }
         }
+    }
+    Row readRow() {
+        Row r;
+        readRow(r);
         return r;
     }
 
@@ -625,11 +636,15 @@ struct VntRecordset::Impl {
     }
 
     // Makes position `p` (a record) current, from `row` or the changes.
-    void land(long p, Row&& row) {
+    // Makes row `p` current: a row changed here as changed, else a copy of
+    // `row` or, without one, the cursor's row (read into the current
+    // record's buffers: moving allocates little).
+    void land(long p, const Row* row) {
         pos = p;
         bof = eof = false;
-        auto it = changed.find(p);
-        cur = it != changed.end() ? it->second : std::move(row);
+        if (auto it = changed.find(p); it != changed.end()) cur = it->second;
+        else if (row) cur = *row;
+        else readRow(cur);
         haveCur = true;
     }
     void atBof() {
@@ -666,7 +681,7 @@ struct VntRecordset::Impl {
             }
             if (target >= 1) fill(target);
             if (target >= 1 && target <= static_cast<long>(cache.size())) {
-                land(target, Row(cache[static_cast<std::size_t>(target - 1)]));
+                land(target, &cache[static_cast<std::size_t>(target - 1)]);
                 return true;
             }
             if (orientation == SQL_FETCH_PRIOR) atBof();
@@ -700,7 +715,7 @@ struct VntRecordset::Impl {
             p = count;
         }
         }
-        land(p, readRow());
+        land(p, nullptr);
         return true;
     }
 

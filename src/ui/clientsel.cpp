@@ -68,8 +68,9 @@ VNT_RESP VntHeadlessClientSelect::Run(const VntClientSelectRequest& request, Dsn
         writeStderr("Mandant (1-" + std::to_string(registry.Count()) + ", leer: Abbrechen): ");
         std::string line;
         if (!vnt::host::readLine(line) || line.empty()) return VNT_RESP_CANCEL;
-        int n = 0;
-        for (char c : line) n = c >= '0' && c <= '9' && n < 100000 ? n * 10 + (c - '0') : -1;
+        int n = line.size() <= 6 ? 0 : -1;
+        for (char c : line)
+            if (n >= 0) n = c >= '0' && c <= '9' ? n * 10 + (c - '0') : -1;
         const DsnEntry* e = n > 0 ? registry.Entry(n - 1) : nullptr;
         if (!e) {
             writeStderr("Keine solche Nummer.\n");

@@ -1,0 +1,131 @@
+// The connection tests against a PostgreSQL server of their own: started on
+// loopback on a free port when PostgreSQL is installed (initdb into a
+// temporary directory, as the user postgres when the tests run as root),
+// reached through the driver "PostgreSQL Unicode" with a password, stopped
+// when the test program ends. Two databases stand for the two clients; the
+// data directory of a client holds no database here, so the path-spec key
+// is one the driver ignores and "DsnIsFile" is off.
+#include "conn_fixture.h"
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <optional>
+
+namespace fs = std::filesystem;
+using vnt::test::Conn;
+
+namespace {
+
+int run(const std::string& command) { return std::system(command.c_str()); }
+
+std::string sq(const std::string& s) { return "'" + s + "'"; }
+
+// A port nobody listens on now: the kernel's choice for port 0.
+int freePort() {
+    const int s = ::socket(AF_INET, SOCK_STREAM, 0);
+    if (s < 0) return 0;
+    sockaddr_in a{};
+    a.sin_family = AF_INET;
+    a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t len = sizeof a;
+    int port = 0;
+    if (::bind(s, reinterpret_cast<sockaddr*>(&a), sizeof a) == 0 &&
+        ::getsockname(s, reinterpret_cast<sockaddr*>(&a), &len) == 0)
+        port = ntohs(a.sin_port);
+    ::close(s);
+    return port;
+}
+
+class PgServer {
+public:
+    static PgServer& get() {
+        static PgServer server;
+        return server;
+    }
+    /// Starts the server on first use; false with the reason when it cannot.
+    bool ready(std::string& why) {
+        if (!tried_) {
+            tried_ = true;
+            ok_ = start();
+        }
+        why = why_;
+        return ok_;
+    }
+    void stop() {
+        if (!started_) return;
+        started_ = false;
+        run(as() + sq(bin_ + "/pg_ctl") + " -D " + sq(dir_ + "/data") + " -m immediate -w stop >/dev/null 2>&1");
+        std::error_code ec;
+        if (ok_) fs::remove_all(dir_, ec);  // else kept for its logs
+    }
+    int port() const { return port_; }
+
+private:
+    // The server refuses to run as root.
+    std::string as() const { return ::geteuid() == 0 ? "runuser -u postgres -- " : ""; }
+    bool fail(const std::string& why) {
+        why_ = why;
+        return false;
+    }
+    bool start() {
+        std::error_code ec;
+        for (const auto& e : fs::directory_iterator("/usr/lib/postgresql", ec))
+            if (fs::exists(e.path() / "bin/initdb")) bin_ = (e.path() / "bin").string();
+        if (bin_.empty()) return fail("PostgreSQL is not installed");
+        if (run("odbcinst -q -d -n 'PostgreSQL Unicode' >/dev/null 2>&1") != 0)
+            return fail("the ODBC driver \"PostgreSQL Unicode\" is not installed");
+        port_ = freePort();
+        if (!port_) return fail("no free port");
+        dir_ = (fs::temp_directory_path() / ("vanto_pg_" + std::to_string(::getpid()))).string();
+        fs::remove_all(dir_, ec);
+        // The server writes its own log; set-up output goes beside it.
+        const std::string log = " >>" + sq(dir_ + "/setup.log") + " 2>&1";
+        const std::string mk = ::geteuid() == 0 ? "install -d -o postgres -g postgres -m 700 " : "install -d -m 700 ";
+        if (run(mk + sq(dir_)) != 0) return fail("cannot make " + dir_);
+        if (run(as() + sq(bin_ + "/initdb") + " -N -D " + sq(dir_ + "/data") +
+                " -U postgres -E UTF8 --locale=C.UTF-8 --auth-local=trust --auth-host=scram-sha-256" + log) != 0)
+            return fail("initdb failed, see " + dir_ + "/setup.log");
+        started_ = true;
+        if (run(as() + sq(bin_ + "/pg_ctl") + " -D " + sq(dir_ + "/data") + " -l " + sq(dir_ + "/server.log") +
+                " -w -o " + sq("-c listen_addresses=127.0.0.1 -p " + std::to_string(port_) + " -k " + dir_ +
+                                   " -c fsync=off -c full_page_writes=off") +
+                " start >/dev/null 2>&1") != 0)
+            return fail("the server did not start, see " + dir_ + "/server.log");
+        const std::string psql = as() + sq(bin_ + "/psql") + " -q -X -v ON_ERROR_STOP=1 -h " + sq(dir_) +
+                                 " -p " + std::to_string(port_) + " -U postgres -d postgres";
+        if (run(psql + " -c \"CREATE ROLE vanto LOGIN PASSWORD 'geheim'\" -c 'CREATE DATABASE vanto_m1 OWNER vanto'"
+                       " -c 'CREATE DATABASE vanto_m2 OWNER vanto'" + log) != 0)
+            return fail("psql could not create the role and databases, see " + dir_ + "/setup.log");
+        return true;
+    }
+
+    bool tried_ = false, ok_ = false, started_ = false;
+    std::string bin_, dir_, why_;
+    int port_ = 0;
+};
+
+// Stops the server when the test program ends (it starts only when a test
+// of this file runs).
+class PgStop : public ::testing::Environment {
+public:
+    void TearDown() override { PgServer::get().stop(); }
+};
+[[maybe_unused]] ::testing::Environment* const pgStop = ::testing::AddGlobalTestEnvironment(new PgStop);
+
+const vnt::test::ConnBackend kPostgres{
+    "Postgres",
+    {"DsnPathSpec=DtaPth", "DsnIsFile=0"},
+    "PostgreSQL Unicode",
+    [](std::string& why) { return PgServer::get().ready(why); },
+    [](int n) {
+        return std::vector<std::string>{"Servername=127.0.0.1", "Port=" + std::to_string(PgServer::get().port()),
+                                        "Database=vanto_m" + std::to_string(n), "UID=vanto", "PWD=geheim"};
+    },
+};
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(Postgres, Conn, ::testing::Values(&kPostgres), [](const auto& i) { return i.param->name; });
