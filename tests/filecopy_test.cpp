@@ -121,6 +121,7 @@ TEST_F(FileCopy, OverwriteModes) {
         EXPECT_EQ(fc.Copy(R"(T:\src\f)", R"(T:\dst\f)"), 4u) << "mode " << r.mode;
         EXPECT_EQ(get("dst/f"), r.copied ? "new!" : "old") << "mode " << r.mode;
         EXPECT_EQ(fc.Error(), r.copied ? 0 : VNT_FC_SKIPPED) << "mode " << r.mode;
+        EXPECT_EQ(view_.lines[0], r.copied ? R"(Copying T:\src\f to T:\dst\f)" : R"(Skipping T:\dst\f)");
         EXPECT_FALSE(fc.IsError() || fc.IsCancel());
     }
 }
@@ -139,10 +140,12 @@ TEST_F(FileCopy, FailuresAskAndLeaveNoTarget) {
         const char* named;   // the file the question names
         std::string target;  // what is left of the target
     };
-    // Opens: the source's time, the source, the target.
+    // Opens: the source's time, the source, the target. Reads and writes:
+    // one of each per chunk of 16 384 bytes, so these fail mid-copy.
     const Row rows[] = {
         {"read error, cancelled", Op::Read, 2, VNT_BTN_CANCEL, VNT_FC_READ, 0, "dst", "(missing)"},
         {"write error, cancelled", Op::Write, 3, VNT_BTN_CANCEL, VNT_FC_WRITE, 0, "dst", "(missing)"},
+        {"write error, answered no", Op::Write, 2, VNT_BTN_NO, VNT_FC_WRITE, 0, "dst", "(missing)"},
         {"read error, retried", Op::Read, 2, VNT_BTN_RETRY, VNT_FC_OK, data.size(), "dst", data},
         {"source cannot be opened", Op::Open, 2, VNT_BTN_CANCEL, VNT_FC_SOURCE, 0, "src", old},
         {"target cannot be opened", Op::Open, 3, VNT_BTN_CANCEL, VNT_FC_TARGET, 0, "dst", old},
@@ -158,10 +161,30 @@ TEST_F(FileCopy, FailuresAskAndLeaveNoTarget) {
         vnt::host::faultReset();
         EXPECT_EQ(fc.Error(), r.code) << r.name;
         ASSERT_EQ(box_.shown.size(), 1u) << r.name;
+        EXPECT_NE(box_.shown[0].text.find("could not be copied"), std::string::npos) << r.name;
         EXPECT_NE(box_.shown[0].text.find(std::string(r.named) + "\\a"), std::string::npos)
             << r.name << ": " << box_.shown[0].text;
         EXPECT_TRUE(get("dst/a") == r.target) << r.name << ": a truncated target goes, an untouched one stays";
     }
+}
+
+// The source vanishes while the first question is up: the retry finds no
+// source, says so and ends without waiting for an answer that could retry.
+fs::path gSourceToRemove;
+
+TEST_F(FileCopy, SourceGoneBeforeTheRetry) {
+    put("src/a", big(50000));
+    gSourceToRemove = base_ / "src/a";
+    box_.during = [](const VntBoxModel&) { fs::remove(gSourceToRemove); };
+    box_.answers = {{VNT_BTN_RETRY, false}, {VNT_BTN_RETRY, false}};
+    vnt::host::faultAt(vnt::host::Op::Read, 2);
+    VntFileCopy fc;
+    EXPECT_EQ(fc.Copy(R"(T:\src\a)", R"(T:\dst\a)"), 0u);
+    EXPECT_EQ(fc.Error(), VNT_FC_SOURCE);
+    ASSERT_EQ(questions().size(), 2u);
+    EXPECT_NE(questions()[0].find("could not be copied"), std::string::npos) << questions()[0];
+    EXPECT_NE(questions()[1].find("\"T:\\src\\a\" was not found"), std::string::npos) << questions()[1];
+    EXPECT_FALSE(fs::exists(base_ / "dst/a"));
 }
 
 TEST_F(FileCopy, CancelStopsWithoutAQuestion) {
@@ -174,6 +197,22 @@ TEST_F(FileCopy, CancelStopsWithoutAQuestion) {
     EXPECT_EQ(fc.Error(), VNT_FC_CANCEL);
     EXPECT_TRUE(box_.shown.empty());
     EXPECT_FALSE(fs::exists(base_ / "dst/a"));
+
+    // In a tree walk the cancel ends the walk; a scan can be cancelled
+    // between its files.
+    put("src/b", "b");
+    for (bool scan : {false, true}) {
+        SCOPED_TRACE(scan ? "scan" : "copy");
+        view_.records.clear();
+        view_.cancelAtUpdate = scan ? 1 : 2;
+        view_.answers = {VntScriptedProgressView::Answer::Yes};
+        VntFileCopy tree;
+        tree.SetFolders(nullptr, R"(T:\dst)");
+        EXPECT_FALSE(scan ? tree.TreeScan(R"(T:\src)") : tree.TreeCopy(R"(T:\src)"));
+        EXPECT_EQ(tree.Error(), VNT_FC_CANCEL);
+        EXPECT_TRUE(box_.shown.empty());
+        EXPECT_FALSE(fs::exists(base_ / "dst/a") || fs::exists(base_ / "dst/b"));
+    }
 }
 
 TEST_F(FileCopy, PatternCopyAndBorrowedDialog) {
@@ -190,6 +229,16 @@ TEST_F(FileCopy, PatternCopyAndBorrowedDialog) {
     EXPECT_TRUE(stat.IsOpen()) << "a borrowed dialog stays the caller's";
     fc.Close();
     EXPECT_TRUE(stat.IsOpen());
+
+    // A dialog given later ends the pattern copy and replaces the dialog
+    // it made.
+    VntFileCopy own;
+    ASSERT_TRUE(own.CopyFirst(R"(T:\src)", R"(T:\dst)", "*.txt", found));
+    VntStat later;
+    own.Setup(&later, 0);
+    EXPECT_FALSE(own.CopyNext(found));
+    EXPECT_EQ(own.Copy("b.txt"), 5u);
+    EXPECT_TRUE(later.IsOpen());
 
     VntFileCopy none;
     EXPECT_FALSE(none.CopyNext(found)) << "no folders: an internal error";
@@ -234,9 +283,16 @@ TEST_F(FileCopy, TreeWalks) {
                                                    "scan T:\\src\\a\\b\\deep.txt"}))
         << "subdirectories depth first, before the files of a directory";
     EXPECT_EQ(fc.calls.back(), "scan T:\\src\\top.txt");
+    EXPECT_EQ(view_.lines[0].rfind("Checking T:\\src\\top.txt", 0), 0u) << view_.lines[0];
 
+    // The copy shows the whole run's bytes against the total of the scan.
     fc.calls.clear();
+    view_.records.clear();
+    fc.SetCountForAll(-1);
     ASSERT_TRUE(fc.TreeCopy(R"(T:\src)"));
+    EXPECT_EQ(view_.lines[0].rfind("Copying T:\\src\\top.txt", 0), 0u) << view_.lines[0];
+    EXPECT_EQ(view_.barText, "100%");
+    EXPECT_EQ(view_.Of(VntScriptedProgressView::Kind::Bar).front().text, "0%");
     for (const auto& [rel, data] : files) {
         const std::string to = "dst" + rel.substr(3);
         EXPECT_TRUE(get(to) == data) << rel;

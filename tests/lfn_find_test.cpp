@@ -7,6 +7,7 @@
 
 #include "support.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -138,10 +139,16 @@ TEST_F(LfnFind, CurrentRecordHandOver) {
     Vnt_LfnFindClose(&h4);  // a closed handle is no error
     EXPECT_TRUE(vnt::lfn::state().live.empty());
     EXPECT_FALSE(Vnt_LfnFileFindNext(&h2, buf));
+    // A failed search on the default record while it is current leaves it
+    // current, whatever was current before its last start.
+    ASSERT_TRUE(Vnt_LfnFileFindFirst(R"(T:\prog\*)", &h4) && Vnt_LfnFileFind(R"(T:\a\readme)"));
+    EXPECT_FALSE(Vnt_LfnFileFind(R"(T:\a\none)"));
+    EXPECT_STREQ(Vnt_LfnFileName(), "readme");
+    Vnt_LfnFindClose(&h4);
     // DirFind's own handle is closed: the default record is current after it.
     ASSERT_TRUE(Vnt_LfnFileFindFirst(R"(T:\prog\only.ini)", &h) && Vnt_LfnDirFind(R"(T:\a\B)", buf));
     EXPECT_STREQ(buf, R"(T:\a\b)");
-    EXPECT_STREQ(Vnt_LfnFileName(), "File1.txt");
+    EXPECT_STREQ(Vnt_LfnFileName(), "readme");
     Vnt_LfnFindClose(&h);
 }
 
@@ -298,6 +305,24 @@ TEST_F(LfnFind, Volumes) {
     EXPECT_THAT(box.shown[0].text, HasSubstr(R"(The drive "Q:\x" cannot be reached.)"));
     EXPECT_THAT(box.shown[1].text, HasSubstr(R"(The drive "T:" cannot be reached.)"));
     EXPECT_THAT(box.shown[2].text, HasSubstr("The file \"T:\\...mmm"));
+
+    // Free bytes in 32 bits: this volume has more than 4 GiB free, so the
+    // figure wraps. Asked until the disk holds still between two looks.
+    std::uintmax_t before = 0, after = 1;
+    unsigned long free32 = 0;
+    for (int i = 0; i < 20 && before != after; ++i) {
+        before = fs::space(base_).available;
+        free32 = Vnt_LfnVolFreeSpace("T:");
+        after = fs::space(base_).available;
+    }
+    ASSERT_EQ(before, after);
+    EXPECT_EQ(free32, static_cast<std::uint32_t>(before));
+    // A file of 4 GiB - 1 (sparse) does not fit into what is left of that.
+    box.shown.clear();
+    fs::resize_file(base_ / "t/a/File1.txt", 0xFFFFFFFFull);
+    EXPECT_FALSE(Vnt_LfnFileFitToVol("T:", R"(T:\a\File1.txt)"));
+    ASSERT_EQ(box.shown.size(), 1u);
+    EXPECT_THAT(box.shown[0].text, HasSubstr(R"(not enough free space on the drive "T:")"));
 }
 
 TEST_F(LfnFind, Dialogs) {

@@ -129,6 +129,7 @@ private:
     virtual void _lastproc_() {}
 
     void _init_(int objectSize, int procTableSize, VntStat* stat, long title);
+    VntStat* makeDialog();
     bool showFile(const char* source, const char* target, bool skipped, std::uint32_t bytes);
     std::uint32_t copyOne(const char* source, const char* target);
     bool tree(int mode, const char* source);
@@ -157,4 +158,5 @@ private:
     int depth_ = 0;
     unsigned long differences_ = 0;
     bool forAll_ = false;
+    unsigned long forAllTotal_ = 0;
 };

@@ -26,17 +26,19 @@ constexpr long kMsgCopyFailed = 60026;
 
 std::string displayName(const char* name, long width) { return Vnt_LfnNameOut(name, width); }
 
-// A progress dialog made by the copier, given its message handle and a
-// Cancel button (the title follows once it is open).
-VntStat* makeDialog(VNT_MSG msg) {
+}  // namespace
+
+// A progress dialog made by the copier, given its message handle, a Cancel
+// button and the overall count when one was set (the title follows once it
+// is open).
+VntStat* VntFileCopy::makeDialog() {
     auto* stat = new (std::nothrow) VntStat(0, 1, 0);
     if (!stat) return nullptr;
-    if (msg) stat->Setup(0, 1, 0, msg);
+    if (msg_) stat->Setup(0, 1, 0, msg_);
     stat->EnableCancel(true);  // the user may stop a copy the copier shows
+    if (forAll_) stat->SetCountForAll(forAllTotal_);
     return stat;
 }
-
-}  // namespace
 
 void VntFileCopy::_init_(int objectSize, int procTableSize, VntStat* stat, long title) {
     // Diagnostics only: a caller built against another layout goes on.
@@ -58,8 +60,10 @@ VntFileCopy::~VntFileCopy() {
 
 void VntFileCopy::Setup(VntStat* stat, long title, VNT_MSG msg) {
     if (stat) {
-        stat_ = stat;
+        // A dialog of a pattern copy goes first, so that it cannot take the
+        // new one with it.
         Close();
+        stat_ = stat;
     }
     title_ = title;
     if (msg) msg_ = msg;
@@ -95,7 +99,7 @@ bool VntFileCopy::CopyFirst(const char* source, const char* target, const char* 
     if (!SetFolders(source, target) || !ensureFolders()) return false;
     Vnt_LfnFindClose(&find_);
     if (!Vnt_LfnFileFindFirst(found, paths_[0], pattern, &find_)) return false;
-    if (!stat_) stat_ = patternStat_ = makeDialog(msg_);
+    if (!stat_) stat_ = patternStat_ = makeDialog();
     Copy(paths_[0], paths_[1], Vnt_LfnFileName());
     return error_ == VNT_FC_OK;
 }
@@ -137,7 +141,7 @@ std::uint32_t VntFileCopy::Copy(const char* source, const char* target) {
     targetAttr_ = targetTime_ = 0;
 
     if (!stat_) {
-        stat_ = singleStat_ = makeDialog(msg_);
+        stat_ = singleStat_ = makeDialog();
         if (!stat_) return 0;
     }
     const std::uint32_t result = copyOne(src, dst);
@@ -166,7 +170,7 @@ std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
         error_ = VNT_FC_NOMEM;
         return 0;
     }
-    const std::size_t chunk = length_ < kChunk ? length_ : kChunk;
+    std::size_t chunk = kChunk;
     std::uint32_t bytes = 0;
     bool done = false, truncated = false;
     vnt::host::File in, out;
@@ -179,6 +183,14 @@ std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
             error_ = VNT_FC_SOURCE;
         } else {
             in.adviseSequential();
+            // A file shorter than a chunk is read in one piece of its own
+            // length; the length noted is only the low 32 bits, so a short
+            // one is asked of the file itself.
+            if (length_ < kChunk) {
+                const std::int64_t size = in.size();
+                chunk = size < 0 || static_cast<std::uint64_t>(size) >= kChunk ? kChunk
+                                                                               : static_cast<std::size_t>(size);
+            }
             Vnt_LfnDirCreateFromFile(dst);
             if (out.openWrite(dst)) {
                 truncated = true;
@@ -264,7 +276,8 @@ bool VntFileCopy::showFile(const char* source, const char* target, bool skipped,
 void VntFileCopy::SetCountForAll(double total) {
     if (total < 0) total = total_;
     forAll_ = true;
-    if (stat_) stat_->SetCountForAll(static_cast<unsigned long>(total));
+    forAllTotal_ = static_cast<unsigned long>(total);
+    if (stat_) stat_->SetCountForAll(forAllTotal_);
 }
 
 // ---------------------------------------------------------------------------
@@ -277,6 +290,7 @@ bool VntFileCopy::TreeCompare(const char* source) { return tree(TM_COMPARE, sour
 
 bool VntFileCopy::tree(int mode, const char* source) {
     treeMode_ = mode;
+    error_ = VNT_FC_OK;
     total_ = 0;
     totalMiB_ = totalRest_ = 0;
     differences_ = 0;
@@ -298,7 +312,7 @@ void VntFileCopy::targetOf(const char* source, char (&target)[VNT_MAX_PATH]) con
 
 bool VntFileCopy::walk(const char* dir) {
     const bool scanning = (treeMode_ & 1) != 0;
-    if (depth_ == 0 && !stat_) stat_ = patternStat_ = makeDialog(msg_);
+    if (depth_ == 0 && !stat_) stat_ = patternStat_ = makeDialog();
     ++depth_;
     VNT_PATH here, there;
     vnt::copyBounded(here, dir);
@@ -331,6 +345,20 @@ bool VntFileCopy::walk(const char* dir) {
         ok = scanning ? OnScanFile(found, target, &skip) : OnCopyFile(found, target, &skip);
         if (!ok) break;
         if (skip) continue;
+        if (scanning) {
+            // A scan shows each file as it goes and can be cancelled between
+            // files.
+            length_ = static_cast<std::uint32_t>(length);
+            if (!showFile(found, target, false, 0)) {
+                ok = false;
+                break;
+            }
+            if (stat_->IsCancel()) {
+                error_ = VNT_FC_CANCEL;
+                ok = false;
+                break;
+            }
+        }
         if (treeMode_ == TM_COMPARE) {
             // The file differs when the target is missing, or has another
             // length or time.

@@ -176,7 +176,11 @@ bool startSearch(char* buf, const char* dir, const char* name, VNT_LFN_HFIND* ha
         }
         r = *handle;
     }
+    // The record current now is the one a failure hands back to. A record
+    // that is current already keeps what it would hand back to, except the
+    // default record, which then simply stays current.
     if (currentRec() != r) r->previous = s.current;
+    else if (r == &s.defaultRec) r->previous = nullptr;
     s.current = asLink(r);
 
     char* target = buf ? buf : s.result;
