@@ -9,16 +9,27 @@
 #include <clocale>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <limits>
 #include <random>
 #include <string>
+#include <vector>
+
+#ifdef __GLIBC__
+#include <langinfo.h>
+#endif
 
 #include "vanto/amount.h"
 #include "vanto/lfn.h"
 #include "vanto/locale.h"
 #include "vanto/msg.h"
 #include "vanto/ui/msgbox.h"
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -372,30 +383,87 @@ TEST_F(Amount, BadArgumentsAreInternalErrors) {
     Vnt_MsgItfTerm();
 }
 
+#ifdef __GLIBC__
+// A numeric locale with "," as the decimal point, written by the test for
+// the C library to load from its own directory (LOCPATH), so that no
+// locale has to be installed on the machine. The file is the C library's
+// binary form of the category: a magic number, the item count, each item's
+// offset, then the items (texts, and the wide characters as 32-bit words).
+bool writeCommaLocale(const fs::path& dir, const char* name) {
+    const unsigned count = _NL_ITEM_INDEX(_NL_NUM_LC_NUMERIC);
+    std::vector<std::string> items(count, std::string(1, '\0'));
+    const auto word = [](std::uint32_t c) { return std::string(reinterpret_cast<const char*>(&c), 4); };
+    items[_NL_ITEM_INDEX(DECIMAL_POINT)] = std::string(",\0", 2);
+    items[_NL_ITEM_INDEX(THOUSANDS_SEP)] = std::string(".\0", 2);
+    items[_NL_ITEM_INDEX(GROUPING)] = std::string("\3\3\0", 3);
+    items[_NL_ITEM_INDEX(_NL_NUMERIC_DECIMAL_POINT_WC)] = word(',');
+    items[_NL_ITEM_INDEX(_NL_NUMERIC_THOUSANDS_SEP_WC)] = word('.');
+    items[_NL_ITEM_INDEX(_NL_NUMERIC_CODESET)] = std::string("ANSI_X3.4-1968\0", 15);
+    std::vector<std::uint32_t> head{0x20031115u ^ LC_NUMERIC, count};
+    std::string data;
+    const std::size_t start = (2 + count) * 4;
+    for (const std::string& item : items) {
+        while (data.size() % 4) data += '\0';
+        head.push_back(static_cast<std::uint32_t>(start + data.size()));
+        data += item;
+    }
+    std::error_code ec;
+    fs::create_directories(dir / name, ec);
+    std::ofstream out(dir / name / "LC_NUMERIC", std::ios::binary);
+    out.write(reinterpret_cast<const char*>(head.data()), static_cast<std::streamsize>(head.size() * 4));
+    out.write(data.data(), static_cast<std::streamsize>(data.size()));
+    return !ec && out.good();
+}
+#endif
+
+// The C run time in a locale whose decimal point is ",": the library's texts
+// and readings under a German and an English record stay as they are.
 TEST_F(Amount, IndependentOfTheCRunTimesLocale) {
     const std::string saved = std::setlocale(LC_NUMERIC, nullptr);
-    const char* found = nullptr;
-    for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "de_DE@euro", "fr_FR.UTF-8", "fr_FR.utf8",
-                             "nl_NL.UTF-8", "ru_RU.UTF-8"}) {
-        if (std::setlocale(LC_NUMERIC, name) && *std::localeconv()->decimal_point == ',') {
-            found = name;
-            break;
-        }
+    const fs::path dir = fs::temp_directory_path() / ("vanto_amount_" + std::to_string(std::random_device{}()));
+    bool comma = false;
+#ifdef __GLIBC__
+    const char* oldPath = std::getenv("LOCPATH");
+    const std::string savedPath = oldPath ? oldPath : "";
+    if (writeCommaLocale(dir, "xx_VNT")) {
+        setenv("LOCPATH", dir.c_str(), 1);
+        comma = std::setlocale(LC_NUMERIC, "xx_VNT") != nullptr;
     }
-    if (!found) {
-        std::setlocale(LC_NUMERIC, saved.c_str());
-        GTEST_SKIP() << "no locale with a decimal comma is installed (see locale -a)";
+#endif
+    if (!comma) comma = std::setlocale(LC_NUMERIC, "German_Germany.1252") != nullptr;
+    char probe[16];
+    std::snprintf(probe, sizeof probe, "%.2f", 1.5);
+    const double probeRead = std::strtod("1.5", nullptr);
+
+    struct Result { std::string text, money; double read, readComma; int places; };
+    std::vector<Result> got;
+    for (const char* dec : {".", ","}) {
+        useLocale(dec, "2");
+        Result r;
+        Vnt_FloatToStr(r.text, -1234.5, 3, true);
+        Vnt_MoneyToStr(r.money, 0.125, true);
+        Vnt_FloatFromStr("2.345", &r.read, 2);
+        Vnt_FloatFromStr("-1,5e2", &r.readComma, -1);
+        r.places = Vnt_FloatDecPlaces("3,14159");
+        got.push_back(r);
     }
-    std::string text;
-    double v = 0;
-    useLocale(".", "2");
-    const bool en = !Vnt_FloatToStr(text, 1234.5, 2, true) && text == "1234.50" &&
-                    Vnt_FloatFromStr("1.25", &v, -1) == false && v == 1.25;
-    useLocale(",", "2");
-    const bool de = !Vnt_FloatToStr(text, 1234.5, 2, true) && text == "1234,50" &&
-                    Vnt_FloatFromStr("2,345", &v, -1) == false && v == 2.345;
     std::setlocale(LC_NUMERIC, saved.c_str());
-    EXPECT_TRUE(en && de) << "under " << found;
+#ifdef __GLIBC__
+    oldPath ? setenv("LOCPATH", savedPath.c_str(), 1) : unsetenv("LOCPATH");
+#endif
+    std::error_code ec;
+    fs::remove_all(dir, ec);
+
+    ASSERT_TRUE(comma && std::string(probe) == "1,50" && probeRead == 1.0)
+        << "the C run time is not in a locale with a decimal comma: " << probe;
+    EXPECT_EQ(got[0].text + " " + got[0].money, "-1234.500 0.13");
+    EXPECT_EQ(got[1].text + " " + got[1].money, "-1234,500 0,13");
+    for (const Result& r : got) {
+        EXPECT_EQ(r.read, 2.35);
+        EXPECT_EQ(r.readComma, -150.0);
+    }
+    EXPECT_EQ(got[0].places, 0);
+    EXPECT_EQ(got[1].places, 5);
 }
 
 }  // namespace

@@ -518,6 +518,13 @@ TEST_F(CalDate, SettingConstructingAndText) {
     EXPECT_EQ(S(partial.date, partial.time), "2024-03-31 10:20") << "today's parts, the time now";
     EXPECT_EQ(S(given.date), "2001-02-03");
     EXPECT_TRUE(none.DatePtr() == nullptr && today.DatePtr() == &today.date);
+    const VntDate& constNone = none;
+    const VNT_DATE* asPointer = constNone;
+    char todayText[20];
+    EXPECT_TRUE(asPointer == nullptr && Vnt_DateToStr(todayText, constNone) && std::string(todayText) == "31.07.2024")
+        << "an empty const date is no date: today's text";
+    asPointer = given;
+    EXPECT_EQ(asPointer, &given.date);
 
     VntDate v = at(D(2001, 1, 31));
     v.SetDate(5, 2, 30);

@@ -84,7 +84,9 @@ TEST_F(Locale, FormatDerivedFromShortDate) {
         {"dd.MM.yyyy", 1, "%02d.%02d.%04d", '.', '.'}, {"d/M/yy", 1, "%01d/%01d/%02d", '/', '/'},
         {"yyyy-MM-dd", 2, "%04d-%02d-%02d", '-', '-'}, {"MM/dd/yyyy", 0, "%02d/%02d/%04d", '/', '/'},
         {"M/d/yyyy", 0, "%01d/%01d/%04d", '/', '/'},   {"yy.MM.dd", 2, "%02d.%02d.%02d", '.', '.'},
-        {"dd-MM yyyy", 1, "%02d-%02d %04d", '-', ' '}, {"Md", 0, "%02d_%00d_%00d", '.', '.'},
+        {"Md", 0, "%02d_%00d_%00d", '.', '.'},
+        // Two different separators: the first two fields run to the first one.
+        {"dd-MM yyyy", 1, "%02d-%07d %00d", '-', ' '}, {"d. M. yyyy", 1, "%01d.%02d %00d", '.', ' '},
     };
     for (const Row& r : rows) {
         use(r.shortDate);
@@ -110,6 +112,7 @@ TEST_F(Locale, DateText) {
         {"MM/dd/yyyy", 1999, 3, 5, false, true, "03/05/1999"},
         {"yyyy-MM-dd", 1999, 3, 5, false, false, "1999-03-05"},
         {"yy-M-d", 1999, 3, 5, false, false, "99-3-5"},
+        {"d. M. yyyy", 1999, 3, 5, false, true, "5.03 1999"},
         {"dd.MM.yyyy", 65535, 255, 255, false, true, "20.11.2026"},
         {"dd.MM.yyyy", 5, 1, 2, false, true, "02.01.0005"},
         {"dd.MM.yyyy", 99, 1, 2, false, true, ""},

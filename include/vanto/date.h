@@ -156,8 +156,11 @@ public:
     operator VNT_TIME&() { return time; }
     operator VNT_DATE*() { return &date; }
     operator VNT_TIME*() { return &time; }
-    /// The date, or null when it is empty (any field 0).
+    /// The date, or null when it is empty (any field 0). A const VntDate
+    /// converts to this pointer, so that a function taking an optional date
+    /// (null: today) gets null for an empty one.
     const VNT_DATE* DatePtr() const;
+    operator const VNT_DATE*() const { return DatePtr(); }
 
     // -- packing (the file-time form) ------------------------------------
     /// Packs this date and time; the result is also kept in `packed`.

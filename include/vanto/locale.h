@@ -85,6 +85,8 @@ VANTO_API VntIntlSource* Vnt_SysSetIntlSource(VntIntlSource* source);
 ///   "d/M/yy"     => day-month-year, "%01d/%01d/%02d"
 ///   "yyyy-MM-dd" => year-month-day, "%04d-%02d-%02d"
 ///   anything not starting with "d" or "y" => month-day-year.
+/// A field's width is counted up to the first separator, the last field's
+/// up to the second: "dd-MM yyyy" => "%02d-%07d %00d".
 VANTO_API const VNT_SYS_INFO& Vnt_SysInfo(VNT_SI_TYPE type);
 
 /// Starts the locale settings with the library: reads the record afresh.

@@ -72,10 +72,13 @@ void deriveFormat(LocaleState& s) {
         s.printFormat[kSepPos[1]] = s.info.cDateSep2;
     }
 
-    // Field widths: each field runs to its separator (the last to the end).
+    // Field widths: the first two fields run to the first separator, the
+    // third to the second one or the end; a separator not found runs to the
+    // end. Formats with two different separators therefore get odd widths
+    // ("dd-MM yyyy" => "%02d-%07d %00d"), as they always have.
     std::size_t pos = 0;
     for (int field = 0; field < 3; ++field) {
-        const char sep = field == 0 ? s.info.cDateSep1 : s.info.cDateSep2;
+        const char sep = field < 2 ? s.info.cDateSep1 : s.info.cDateSep2;
         std::size_t w = 0;
         while (pos + w < len && f[pos + w] != sep) ++w;
         s.printFormat[kWidthPos[field]] = widthDigit(w);
