@@ -102,6 +102,14 @@ TEST_F(AppLifecycle, WithoutModuleTableOnlyTheMessageLibraryOpens) {
     Vnt_AppMainTerm();
     EXPECT_EQ(g_edTerms, 0);
     EXPECT_NE(Vnt_AppMsgGetHandle(), nullptr);
+    // Only the module table marks a started library: a second init runs
+    // again and takes the start directory anew, still without services.
+    ASSERT_TRUE(vnt::host::setCurDir(lib(dir_ / "sub")));
+    EXPECT_TRUE(Vnt_AppMainInit());
+    EXPECT_EQ(Vnt_AppStartDir(), lib(dir_ / "sub"));
+    EXPECT_STREQ(Vnt_AppMsgLoad(1), "Hallo");
+    EXPECT_EQ(g_edInits, 0);
+    EXPECT_FALSE(interfaceStarted());
     EXPECT_TRUE(box.shown.empty());
 }
 

@@ -247,6 +247,25 @@ TEST_F(AppModule, DisabledModulesAndSpecialNumbers) {
     EXPECT_EQ(box.shown.size(), 2u);
 }
 
+TEST_F(AppModule, SearchPrefersTheCurrentDirectory) {
+    // The current directory's "ModPlain" library is really the stack module:
+    // its result is what was pushed, the program directory's adds.
+    fs::create_directories(dir_ / "work");
+    fs::copy_file(fs::path(VANTO_TEST_MODULE_DIR) / "libModStack.so", dir_ / "work" / "ModPlain.so");
+    ASSERT_TRUE(vnt::host::setCurDir(lib(dir_ / "work")));
+    table({"10, ModPlain.dll, Dll, ModMain, 0", "11, ModPlain, Bare, ModMain, 0"});
+    struct Row { long module; bool inWork; long result; };
+    const Row rows[] = {{10, true, 77}, {11, true, 77}, {10, false, 11}, {11, false, 11}};
+    for (const Row& r : rows) {
+        if (!r.inWork) fs::remove(dir_ / "work" / "ModPlain.so");
+        while (Vnt_AppModQueuePop() != 0) {}
+        Vnt_AppModQueuePush(77);
+        EXPECT_TRUE(Vnt_AppModLoad(r.module, 5, 6, true)) << r.module << lastBox();
+        EXPECT_EQ(Vnt_AppModResult(), r.result) << r.module << (r.inWork ? " in work" : " in the program directory");
+    }
+    EXPECT_TRUE(box.shown.empty());
+}
+
 TEST_F(AppModule, SingleInstanceActivatesItsWindow) {
     table({"30, ModPlain.dll, Single, ModMain, 1"});
     ASSERT_TRUE(Vnt_AppModLoad(30L, 3));
@@ -380,10 +399,23 @@ TEST_F(AppModule, ClientChain) {
         ASSERT_TRUE(Vnt_ProfileWriteString("Main", "ModStack.dll", r.userOff ? "0" : nullptr, user));
         while (Vnt_AppModQueuePop() != 0) {}
         for (long v : r.pushed) Vnt_AppModQueuePush(v);
+        win.splashHides = 0;
         EXPECT_EQ(Vnt_AppModRunClientChain(), r.ok) << r.name;
         EXPECT_EQ(Vnt_AppModQueuePop(), r.left) << r.name;
+        EXPECT_EQ(win.splashHides, 1) << r.name;
     }
     EXPECT_TRUE(box.shown.empty());
+}
+
+TEST_F(AppModule, ClientChainWithoutClientChangeModulesKeepsTheSplash) {
+    table({"10, ModPlain.dll, Plain, ModMain, 0", "-1, ModStack.dll, Off, ModMain, $8000"});
+    char user[VNT_MAX_PATH];
+    Vnt_IniUserFile(user);
+    ASSERT_TRUE(Vnt_ProfileWriteString("Main", "ModStack.dll", "0", user));
+    Vnt_AppModQueuePush(77);
+    EXPECT_TRUE(Vnt_AppModRunClientChain());
+    EXPECT_EQ(win.splashHides, 0);
+    EXPECT_EQ(Vnt_AppModQueuePop(), 77);
 }
 
 TEST_F(AppModule, ClientChainFailsOnAModuleThatIsNotQuiet) {

@@ -216,8 +216,10 @@ inline constexpr std::uint32_t VNT_APP_MODVERSION_SIGNATURE = 0xFEEF04BD;
 /// 12, false; those before it stay disabled). An unknown number shows
 /// message 60296; a disabled module sends VNT_WM_COMMAND with its command
 /// identifier to the main window and gives false. With `search` the file
-/// is looked for in the current directory, then with the extension "DLL",
-/// else taken from the program directory. Then as the load by name, with
+/// is looked for (Vnt_LfnFileFind: the current directory, then the program
+/// directory) as named, then with the extension "DLL" and as that
+/// library's host files ("x.so", "libx.so"), else taken from the program
+/// directory. Then as the load by name, with
 /// the record's file, function, flags and description; the record is the
 /// current module (and stays so after a success). Without a table:
 /// internal error 4, false.
@@ -325,8 +327,9 @@ VANTO_API void Vnt_AppModalEnd(VNT_HWND window, int result);
 /// layer after a client was connected: from the first record numbered -1 on,
 /// while the records' command identifier is -1. A module with flag
 /// VNT_APP_MOD_USER_OPTION is skipped when the user file's section "Main"
-/// says 0 under the module's file name (default 1). Each module is loaded
-/// with the module result set to 0; a result below 0 fails the chain, above
+/// says 0 under the module's file name (default 1). Before the first module
+/// runs, the splash window is hidden (VntWindowPort::HideSplash). Each module
+/// is loaded with the module result set to 0; a result below 0 fails the chain, above
 /// 0 is a module number that is loaded at once. A module that did not load
 /// fails the chain unless it is quiet. False when the chain failed: the
 /// caller then closes the connection. True without a table or without

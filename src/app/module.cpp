@@ -49,6 +49,20 @@ std::string progDir() {
     return Vnt_LfnProgDirName(dir, sizeof dir) ? dir : "";
 }
 
+/*
+ * The search for a module named without the extension "DLL": that name,
+ * then the host's names of such a library ("x.so", "libx.so"), because a
+ * module library does not carry the extension "dll" on every host.
+ */
+bool findLibrary(const char* file, char (&found)[VNT_MAX_PATH]) {
+    char dll[VNT_MAX_PATH];
+    Vnt_LfnNameMake(dll, nullptr, file, "DLL");
+    if (Vnt_LfnFileFind(dll, found)) return true;
+    for (const std::string& name : vnt::host::moduleFileNames(dll))
+        if (Vnt_LfnFileFind(name.c_str(), found)) return true;
+    return false;
+}
+
 // A system message's text formatted with the arguments.
 std::string sysFormat(long id, ...) {
     VNT_MSG sys = Vnt_MsgHInit();
@@ -418,9 +432,8 @@ bool Vnt_AppModLoad(long module, long arg1, long arg2, bool search) {
     char file[VNT_MAX_PATH];
     vnt::copyBounded(file, rec->szFile);
     if (search) {
-        char found[VNT_MAX_PATH], dll[VNT_MAX_PATH];
-        Vnt_LfnNameMake(dll, nullptr, rec->szFile, "DLL");
-        if (Vnt_LfnFileFind(rec->szFile, found) || Vnt_LfnFileFind(dll, found)) vnt::copyBounded(file, found);
+        char found[VNT_MAX_PATH];
+        if (Vnt_LfnFileFind(rec->szFile, found) || findLibrary(rec->szFile, found)) vnt::copyBounded(file, found);
         else Vnt_LfnNameMake(file, progDir().c_str(), rec->szFile, nullptr);
     }
     st.current = rec;

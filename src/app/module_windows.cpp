@@ -198,10 +198,15 @@ bool Vnt_AppModRunClientChain() {
     ModState& st = modState();
     if (st.table == nullptr) return true;
     const VNT_APP_MODINFO* rec = Vnt_AppModInfo(-1);
+    bool splashHidden = false;
     for (; rec && rec->nCmdId == -1; rec = Vnt_AppModInfo(VNT_APP_MODINFO_NEXT)) {
         if (rec->nFlags & VNT_APP_MOD_USER_OPTION) {
             VntIni user(nullptr, "Main", VNTINI_USER);
             if (user.ReadInt(rec->szFile, 1) == 0) continue;
+        }
+        if (!splashHidden) {
+            Vnt_UiWindow().HideSplash();
+            splashHidden = true;
         }
         const VNT_APP_MODFLAGS flags = rec->nFlags;
         Vnt_AppModSetResult(0);

@@ -368,6 +368,9 @@ namespace vnt::host {
 /// faults apply) with lastError() ENOENT when no candidate exists, ENOEXEC
 /// when one exists but did not load, and moduleError() the loader's text.
 void* moduleLoad(const char* libName);
+/// The library names moduleLoad tries for `libName`, in its order
+/// ("Z:\m\x.dll" => "Z:\m\x.so", "Z:\m\libx.so"); empty without a file part.
+std::vector<std::string> moduleFileNames(const char* libName);
 /// The address of the exported symbol `name` of a loaded module, or null;
 /// `size`, when given, receives the symbol's size (0 when not told).
 void* moduleSymbol(void* handle, const char* name, std::size_t* size = nullptr);

@@ -42,6 +42,9 @@ public:
     virtual void EndModalLoop(VNT_HWND win, int result) = 0;
     /// The modifier keys held down now: Shift 1, Ctrl 2, Alt 4.
     virtual int KeyState() = 0;
+    /// Lets the application's splash window hide and hides it (nothing when
+    /// none is shown): the client-change modules show windows of their own.
+    virtual void HideSplash() = 0;
 };
 
 /// Messages of the window system the core sends.
@@ -119,12 +122,14 @@ public:
     /// handler); no effect on an unknown or destroyed window.
     void EndModalLoop(VNT_HWND win, int result) override;
     int KeyState() override { return keys; }
+    void HideSplash() override { ++splashHides; }
 
     std::string clipboard;  ///< what the clipboard holds
     bool busy = false;      ///< the wait cursor is shown
     int beeps = 0;
     int keys = 0;           ///< the modifier keys KeyState reports
     int modalDefault = 0;   ///< see RunModalLoop
+    int splashHides = 0;    ///< calls of HideSplash
 
 private:
     struct Fake;

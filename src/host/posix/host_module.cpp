@@ -51,9 +51,25 @@ void* moduleOpen(const std::string& hostName) {
 
 /*
  * A module named "x.dll" is the shared library "x.so", or "libx.so" as the
- * host's build tools name libraries. The error reported is that of the
- * first candidate that exists (it is there but did not load: its missing
- * symbols matter), else that of the first candidate.
+ * host's build tools name libraries; the directory part stays.
+ */
+std::vector<std::string> moduleFileNames(const char* libName) {
+    const std::string name = libName ? libName : "";
+    // Library grammar: the directory part ends at the last '\\' or a volume's ':'.
+    const std::size_t cut = name.find_last_of("\\:");
+    const std::string dir = cut == std::string::npos ? std::string{} : name.substr(0, cut + 1);
+    std::string base = cut == std::string::npos ? name : name.substr(cut + 1);
+    const std::size_t dot = base.rfind('.');
+    if (dot != std::string::npos && (sameText(base.c_str() + dot + 1, "dll") || sameText(base.c_str() + dot + 1, "so")))
+        base.resize(dot);
+    if (base.empty()) return {};
+    return {dir + base + ".so", dir + "lib" + base + ".so"};
+}
+
+/*
+ * The error reported is that of the first candidate that exists (it is
+ * there but did not load: its missing symbols matter), else that of the
+ * first candidate.
  */
 void* moduleLoad(const char* libName) {
     if (libName == nullptr || !*libName) {
@@ -66,21 +82,13 @@ void* moduleLoad(const char* libName) {
         lastModuleError() = "simulated load failure";
         return nullptr;
     }
-    // Library grammar: the directory part ends at the last '\\' or a volume's ':'.
-    const std::string name = libName;
-    const std::size_t cut = name.find_last_of("\\:");
-    const bool bare = cut == std::string::npos;
-    const std::string dir = bare ? std::string{} : name.substr(0, cut + 1);
-    std::string base = bare ? name : name.substr(cut + 1);
-    const std::size_t dot = base.rfind('.');
-    if (dot != std::string::npos && (sameText(base.c_str() + dot + 1, "dll") || sameText(base.c_str() + dot + 1, "so")))
-        base.resize(dot);
+    const bool bare = std::strpbrk(libName, "\\:") == nullptr;
     std::string firstError, existingError;
     bool anyExists = false;
-    for (const std::string& cand : {base + ".so", "lib" + base + ".so"}) {
+    for (const std::string& cand : moduleFileNames(libName)) {
         std::string host;
         if (bare) host = Vnt_TxtToUtf8(cand);  // through the host's library search
-        else if (!toHost((dir + cand).c_str(), host)) continue;
+        else if (!toHost(cand.c_str(), host)) continue;
         if (void* h = openHost(host)) return h;
         struct stat st;
         const bool exists = !bare && ::stat(host.c_str(), &st) == 0;
