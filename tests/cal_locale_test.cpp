@@ -10,6 +10,7 @@
 
 #include "host/host.h"
 #include "support.h"
+#include "vanto/amount.h"
 #include "vanto/date.h"
 #include "vanto/locale.h"
 #include "vanto/ui/msgbox.h"
@@ -177,6 +178,48 @@ TEST_F(Locale, ReadingDates) {
     EXPECT_TRUE(Vnt_SysDateFromStr(d, nullptr, nullptr));
     EXPECT_EQ(d.year, 99);
     EXPECT_STREQ(Vnt_SysDateFormat(), "%02d.%02d.%04d") << "the US form leaves the locale as it was";
+}
+
+// Whole records as a German and an American system give them: the record
+// itself, dates both ways, and money, all from the installed source.
+TEST_F(Locale, GermanAndAmericanRecords) {
+    struct Row {
+        VntIntlTable source;
+        const char *decimal, *thousand, *currency, *language, *dateText, *typed, *money;
+        int country;
+    };
+    const Row rows[] = {
+        {{{"iCurrDigits", "2"}, {"iCountry", "49"}, {"sDecimal", ","}, {"sThousand", "."}, {"sTime", ":"},
+          {"sCurrency", "EUR"}, {"sLanguage", "DEU"}, {"sShortDate", "dd.MM.yyyy"}},
+         ",", ".", "EUR", "DEU", "05.03.1999", "24.12.01", "1234,57", 49},
+        {{{"iCurrDigits", "2"}, {"iCountry", "1"}, {"sDecimal", "."}, {"sThousand", ","}, {"sTime", ":"},
+          {"sCurrency", "$"}, {"sLanguage", "ENU"}, {"sShortDate", "M/d/yyyy"}},
+         ".", ",", "$", "ENU", "3/5/1999", "12/24/01", "1234.57", 1},
+    };
+    for (const Row& r : rows) {
+        VntIntlTable source = r.source;
+        Vnt_SysSetIntlSource(&source);
+        const VNT_SYS_INFO& i = Vnt_SysInfo(VNT_SI_RELOAD);
+        EXPECT_EQ(std::string({i.cDecimal, i.cThousand, i.cTime}), std::string(r.decimal) + r.thousand + ":");
+        EXPECT_EQ(std::string(i.szCurrency) + " " + i.szLanguage + " " + std::to_string(i.iCountry),
+                  std::string(r.currency) + " " + r.language + " " + std::to_string(r.country));
+        const VNT_DATE march{1999, 3, 5};
+        char buf[20];
+        EXPECT_TRUE(Vnt_DateToStr(buf, &march));
+        EXPECT_STREQ(buf, r.dateText) << r.language;
+        VNT_DATE d{};
+        Vnt_DateFromStr(&d, r.typed);
+        EXPECT_EQ(d.year * 10000 + d.month * 100 + d.day, 20011224) << r.language;
+        EXPECT_STREQ(VntDate(2001, 12, 24).DateToStr(nullptr), VntDate(d.year, d.month, d.day).text);
+        std::string money;
+        EXPECT_TRUE(Vnt_MoneyToStr(money, 1234.565, true));
+        EXPECT_EQ(money, r.money) << r.language;
+        double v = 0;
+        EXPECT_FALSE(Vnt_MoneyFromStr(r.money, &v));
+        EXPECT_EQ(v, 1234.57) << r.language;
+    }
+    Vnt_SysSetIntlSource(nullptr);
+    EXPECT_TRUE(boxes_.shown.empty());
 }
 
 // The host reads the locale environment; names of locales that are not
