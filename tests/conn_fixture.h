@@ -29,8 +29,10 @@ struct ConnBackend {
     const char* name;
     std::vector<std::string> app;  ///< settings of the application file
     const char* driver;            ///< DefaultDriver of "dsn.ini"
-    /// Makes the back end ready; false (with `why`) skips its tests.
-    std::function<bool(std::string& why)> prepare;
+    /// Makes the back end ready. Absent (with `why`) skips its tests: the
+    /// software is not installed; Broken (with `why`) fails them.
+    enum class Ready { Yes, Absent, Broken };
+    std::function<Ready(std::string& why)> prepare;
     /// Extra lines of client n (1, 2) of "dsn.ini".
     std::function<std::vector<std::string>(int n)> lines;
 };
@@ -40,7 +42,11 @@ protected:
     void SetUp() override {
         resetAll();
         std::string why;
-        if (!GetParam()->prepare(why)) GTEST_SKIP() << why;
+        switch (GetParam()->prepare(why)) {
+        case ConnBackend::Ready::Yes: break;
+        case ConnBackend::Ready::Absent: GTEST_SKIP() << why;
+        case ConnBackend::Ready::Broken: FAIL() << why;
+        }
         // One directory per build and test: the children of a death test
         // use their parent's, which the parent removes at the end.
         std::string test = ::testing::UnitTest::GetInstance()->current_test_info()->name();

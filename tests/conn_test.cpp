@@ -25,7 +25,7 @@ const ConnBackend kSqlite{
     "Sqlite",
     {"DsnPathSpec=Database", "DsnDBFileName=vanto.db", "DsnIsFile=1"},
     "SQLite3",
-    [](std::string&) { return true; },
+    [](std::string&) { return ConnBackend::Ready::Yes; },
     [](int) { return std::vector<std::string>{}; },
 };
 

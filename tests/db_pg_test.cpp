@@ -16,6 +16,7 @@
 
 namespace fs = std::filesystem;
 using vnt::test::Conn;
+using Ready = vnt::test::ConnBackend::Ready;
 
 namespace {
 
@@ -45,64 +46,67 @@ public:
         static PgServer server;
         return server;
     }
-    /// Starts the server on first use; false with the reason when it cannot.
-    bool ready(std::string& why) {
+    /// Starts the server on first use: Absent when PostgreSQL or its ODBC
+    /// driver is not installed, Broken when it is but the server cannot be
+    /// made ready (both with the reason).
+    Ready ready(std::string& why) {
         if (!tried_) {
             tried_ = true;
-            ok_ = start();
+            state_ = start();
         }
         why = why_;
-        return ok_;
+        return state_;
     }
     void stop() {
         if (!started_) return;
         started_ = false;
         run(as() + sq(bin_ + "/pg_ctl") + " -D " + sq(dir_ + "/data") + " -m immediate -w stop >/dev/null 2>&1");
         std::error_code ec;
-        if (ok_) fs::remove_all(dir_, ec);  // else kept for its logs
+        if (state_ == Ready::Yes) fs::remove_all(dir_, ec);  // else kept for its logs
     }
     int port() const { return port_; }
 
 private:
     // The server refuses to run as root.
     std::string as() const { return ::geteuid() == 0 ? "runuser -u postgres -- " : ""; }
-    bool fail(const std::string& why) {
+    Ready fail(Ready r, const std::string& why) {
         why_ = why;
-        return false;
+        return r;
     }
-    bool start() {
+    Ready start() {
         std::error_code ec;
         for (const auto& e : fs::directory_iterator("/usr/lib/postgresql", ec))
             if (fs::exists(e.path() / "bin/initdb")) bin_ = (e.path() / "bin").string();
-        if (bin_.empty()) return fail("PostgreSQL is not installed");
+        if (bin_.empty()) return fail(Ready::Absent, "PostgreSQL is not installed (no /usr/lib/postgresql/*/bin/initdb)");
         if (run("odbcinst -q -d -n 'PostgreSQL Unicode' >/dev/null 2>&1") != 0)
-            return fail("the ODBC driver \"PostgreSQL Unicode\" is not installed");
+            return fail(Ready::Absent, "the ODBC driver \"PostgreSQL Unicode\" is not installed");
         port_ = freePort();
-        if (!port_) return fail("no free port");
+        if (!port_) return fail(Ready::Broken, "no free port on 127.0.0.1");
         dir_ = (fs::temp_directory_path() / ("vanto_pg_" + std::to_string(::getpid()))).string();
         fs::remove_all(dir_, ec);
         // The server writes its own log; set-up output goes beside it.
         const std::string log = " >>" + sq(dir_ + "/setup.log") + " 2>&1";
         const std::string mk = ::geteuid() == 0 ? "install -d -o postgres -g postgres -m 700 " : "install -d -m 700 ";
-        if (run(mk + sq(dir_)) != 0) return fail("cannot make " + dir_);
+        if (run(mk + sq(dir_)) != 0) return fail(Ready::Broken, "cannot make " + dir_);
         if (run(as() + sq(bin_ + "/initdb") + " -N -D " + sq(dir_ + "/data") +
                 " -U postgres -E UTF8 --locale=C.UTF-8 --auth-local=trust --auth-host=scram-sha-256" + log) != 0)
-            return fail("initdb failed, see " + dir_ + "/setup.log");
+            return fail(Ready::Broken, "initdb failed, see " + dir_ + "/setup.log");
         started_ = true;
         if (run(as() + sq(bin_ + "/pg_ctl") + " -D " + sq(dir_ + "/data") + " -l " + sq(dir_ + "/server.log") +
                 " -w -o " + sq("-c listen_addresses=127.0.0.1 -p " + std::to_string(port_) + " -k " + dir_ +
                                    " -c fsync=off -c full_page_writes=off") +
                 " start >/dev/null 2>&1") != 0)
-            return fail("the server did not start, see " + dir_ + "/server.log");
+            return fail(Ready::Broken, "the server did not start, see " + dir_ + "/server.log");
         const std::string psql = as() + sq(bin_ + "/psql") + " -q -X -v ON_ERROR_STOP=1 -h " + sq(dir_) +
                                  " -p " + std::to_string(port_) + " -U postgres -d postgres";
         if (run(psql + " -c \"CREATE ROLE vanto LOGIN PASSWORD 'geheim'\" -c 'CREATE DATABASE vanto_m1 OWNER vanto'"
                        " -c 'CREATE DATABASE vanto_m2 OWNER vanto'" + log) != 0)
-            return fail("psql could not create the role and databases, see " + dir_ + "/setup.log");
-        return true;
+            return fail(Ready::Broken, "psql could not create the role and databases, see " + dir_ + "/setup.log");
+        return Ready::Yes;
     }
 
-    bool tried_ = false, ok_ = false, started_ = false;
+    bool tried_ = false, started_ = false;
+    Ready state_ = Ready::Absent;
     std::string bin_, dir_, why_;
     int port_ = 0;
 };

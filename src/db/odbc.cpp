@@ -131,18 +131,26 @@ std::vector<SQLWCHAR> toWide(std::string_view cp1252) {
 
 std::string fromWide(const SQLWCHAR* text, std::size_t count) {
     std::string out;
-    out.reserve(count);
+    fromWide(text, count, out);
+    return out;
+}
+
+void fromWide(const SQLWCHAR* text, std::size_t count, std::string& out) {
+    out.resize(count);
+    std::size_t n = 0;
     for (std::size_t i = 0; i < count; ++i) {
         const char32_t u = text[i];
         unsigned char b;
-        if (u >= 0xD800 && u <= 0xDBFF && i + 1 < count && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
+        if (u < 0x80) {
+            out[n++] = static_cast<char>(u);  // ASCII, the bulk of most texts
+        } else if (u >= 0xD800 && u <= 0xDBFF && i + 1 < count && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
             ++i;  // a character beyond the basic plane: none has a Windows-1252 form
-            out += '?';
+            out[n++] = '?';
         } else {
-            out += Vnt_TxtCharFromUnicode(u, b) ? static_cast<char>(b) : '?';
+            out[n++] = Vnt_TxtCharFromUnicode(u, b) ? static_cast<char>(b) : '?';
         }
     }
-    return out;
+    out.resize(n);
 }
 
 bool sameText(std::string_view a, std::string_view b) {

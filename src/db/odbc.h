@@ -32,6 +32,8 @@ std::string toUtf8(std::string_view cp1252);
 std::string fromUtf8(std::string_view utf8);
 std::vector<SQLWCHAR> toWide(std::string_view cp1252);
 std::string fromWide(const SQLWCHAR* text, std::size_t count);
+/// The same into `out`, whose storage is reused (rows read one after another).
+void fromWide(const SQLWCHAR* text, std::size_t count, std::string& out);
 
 /// A connect string as the driver gets it: without "ODBC;", library paths
 /// of the values as host paths, in UTF-8.

@@ -529,14 +529,14 @@ struct VntRecordset::Impl {
             const std::size_t got = whole ? static_cast<std::size_t>(ind) / sizeof(SQLWCHAR) : room;
             if (whole && all.empty()) {  // the usual case: in one piece, no gathering
                 v.null = false;
-                v.text = vnt::db::fromWide(buf, got);
+                vnt::db::fromWide(buf, got, v.text);
                 return true;
             }
             all.insert(all.end(), buf, buf + got);
             if (whole) break;
         }
         v.null = false;
-        v.text = vnt::db::fromWide(all.data(), all.size());
+        vnt::db::fromWide(all.data(), all.size(), v.text);
         return true;
     }
 
@@ -612,12 +612,6 @@ struct VntRecordset::Impl {
             }
         }
     }
-    Row readRow() {
-        Row r;
-        readRow(r);
-        return r;
-    }
-
     enum class Fetch { Row, End, Error };
 
     Fetch fetch(SQLSMALLINT orientation) {
@@ -629,7 +623,7 @@ struct VntRecordset::Impl {
     // Read forward: makes the cache hold `n` rows, or all there are.
     void fill(long n) {
         while (static_cast<long>(cache.size()) < n && !cursorDone) {
-            if (fetch(SQL_FETCH_NEXT) == Fetch::Row) cache.push_back(readRow());
+            if (fetch(SQL_FETCH_NEXT) == Fetch::Row) readRow(cache.emplace_back());
             else cursorDone = true;
         }
         if (cursorDone) count = static_cast<long>(cache.size());
@@ -1057,11 +1051,13 @@ bool VntRecordset::IsFieldNull(int index) const {
 }
 bool VntRecordset::IsFieldNull(const char* name) const { return IsFieldNull(indexOf(*this, name)); }
 
-// Each read converts the field into a value of the kind asked for.
-#define VNT_RS_GET(Type, kind, assign, clear)                                        \
+// Each read converts the field into a value of the kind asked for; a field
+// already of that kind is taken as it is (the usual case, read per row).
+#define VNT_RS_GET(Type, kind, fast, assign, clear)                                  \
     bool VntRecordset::GetFieldValue(int index, Type& value) const {                 \
-        Value out;                                                                   \
         const Value* v = impl_->field(index);                                        \
+        if (v && !v->null) { fast; }                                                 \
+        Value out;                                                                   \
         if (v && convert(*v, kind, 0, out)) {                                        \
             assign;                                                                  \
             return true;                                                             \
@@ -1078,21 +1074,44 @@ bool VntRecordset::IsFieldNull(const char* name) const { return IsFieldNull(inde
         return GetFieldValue(i, value);                                              \
     }
 
-VNT_RS_GET(std::string, Kind::Text, value = out.text, value.clear())
+VNT_RS_GET(std::string, Kind::Text,
+           if (v->kind == Kind::Text || v->kind == Kind::Decimal || v->kind == Kind::Binary) {
+               value = v->text;
+               return true;
+           },
+           value = out.text, value.clear())
 VNT_RS_GET(long, Kind::Integer,
+           if (v->kind == Kind::Integer && v->i >= LONG_MIN && v->i <= LONG_MAX) {
+               value = static_cast<long>(v->i);
+               return true;
+           },
            if (out.i < LONG_MIN || out.i > LONG_MAX) { value = 0; return false; } value = static_cast<long>(out.i),
            value = 0)
-VNT_RS_GET(double, Kind::Double, value = out.d, value = 0)
+VNT_RS_GET(double, Kind::Double,
+           if (v->kind == Kind::Double) {
+               value = v->d;
+               return true;
+           } else if (v->kind == Kind::Decimal || v->kind == Kind::Text) {
+               if (parseNumber(v->text, value)) return true;
+               value = 0;
+               return false;
+           },
+           value = out.d, value = 0)
 VNT_RS_GET(VNT_DATE, Kind::Date,
+           if (v->kind == Kind::Date) {
+               value = (VNT_DATE{static_cast<std::uint16_t>(v->ts.year), static_cast<std::uint8_t>(v->ts.month),
+                                 static_cast<std::uint8_t>(v->ts.day)});
+               return true;
+           },
            value = (VNT_DATE{static_cast<std::uint16_t>(out.ts.year), static_cast<std::uint8_t>(out.ts.month),
                              static_cast<std::uint8_t>(out.ts.day)}),
            value = VNT_DATE{})
-VNT_RS_GET(VNT_TIME, Kind::Time,
+VNT_RS_GET(VNT_TIME, Kind::Time, {},
            value = (VNT_TIME{static_cast<std::uint8_t>(out.ts.hour), static_cast<std::uint8_t>(out.ts.minute),
                              static_cast<std::uint8_t>(out.ts.second),
                              static_cast<std::uint8_t>(out.ts.fraction / 10000000ul)}),
            value = VNT_TIME{})
-VNT_RS_GET(tagTIMESTAMP_STRUCT, Kind::Timestamp,
+VNT_RS_GET(tagTIMESTAMP_STRUCT, Kind::Timestamp, {},
            value = (tagTIMESTAMP_STRUCT{static_cast<SQLSMALLINT>(out.ts.year), static_cast<SQLUSMALLINT>(out.ts.month),
                                         static_cast<SQLUSMALLINT>(out.ts.day), static_cast<SQLUSMALLINT>(out.ts.hour),
                                         static_cast<SQLUSMALLINT>(out.ts.minute),
