@@ -370,6 +370,25 @@ TEST_P(ConnModules, AFailingClientChainClosesTheConnection) {
     }
 }
 
+TEST_P(ConnModules, TheModuleLeftOnTheStackStartsAfterTheSelection) {
+    table({"30, ModStack.dll, Danach, ModMain, 0"});
+    // Connected directly (no selection at start) or through the selection.
+    for (const char* show : {"0", "1"}) {
+        SCOPED_TRACE(show);
+        Vnt_AppConnClose();
+        put("USR/Std/User.ini", {"[DSN]", "Default=Schulze KG", std::string("ShowDlg=") + show});
+        vnt::ini::profileReset();
+        select.answers = {{VNT_RESP_OK, "M\xFCller GmbH"}};
+        Vnt_AppModSetResult(0);
+        Vnt_AppModQueuePush(77);  // what module 30 answers
+        Vnt_AppModQueuePush(30);
+        EXPECT_EQ(Vnt_DsnSelect("ODBC;", false, false), VNT_RESP_OK);
+        EXPECT_EQ(Vnt_AppModResult(), 77) << "module 30 ran";
+        EXPECT_EQ(Vnt_AppModQueuePop(), 0);
+        EXPECT_EQ(std::string(Vnt_AppDSN()), *show == '0' ? "Schulze KG" : "M\xFCller GmbH");
+    }
+}
+
 TEST_P(ConnModules, OkInstallsAMissingClientAndCancelRestores) {
     table({"23, ModStack.dll, Einrichten, ModMain, 0", "24, ModStack.dll, Installation, ModMain, 0"});
     ASSERT_TRUE(Vnt_DsnConnectClient("M\xFCller GmbH"));

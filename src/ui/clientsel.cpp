@@ -45,11 +45,13 @@ VNT_RESP Vnt_DsnSelect(const char* text, bool restore, bool force) {
         request.defaultClient = name;
         request.showAtStart = user.ReadInt("ShowDlg", 1) > 0;
     }
-    if (!request.showAtStart && !force && !request.defaultClient.empty() &&
-        Vnt_DsnConnectClient(registry, request.defaultClient.c_str()))
-        return VNT_RESP_OK;
-    const VNT_RESP r = Vnt_UiClientSelect().Run(request, registry);
-    if (r != VNT_RESP_OK) return r;
+    // The default client connected without the selection counts as its OK.
+    const bool direct = !request.showAtStart && !force && !request.defaultClient.empty() &&
+                        Vnt_DsnConnectClient(registry, request.defaultClient.c_str());
+    if (!direct) {
+        const VNT_RESP r = Vnt_UiClientSelect().Run(request, registry);
+        if (r != VNT_RESP_OK) return r;
+    }
     if (const long module = Vnt_AppModQueuePop()) Vnt_AppModLoad(module, 0, 0, false);
     return VNT_RESP_OK;
 }

@@ -75,7 +75,7 @@ VANTO_API VntClientSelectPort* Vnt_UiSetClientSelect(VntClientSelectPort* port);
 /// "ShowDlg" > 0: show the selection at start, default 1). When the user
 /// does not want it at start and `force` is not set, the default client is
 /// connected directly and that success is OK. Otherwise the port shows the
-/// selection; any answer but OK is returned. After OK the module number last
-/// pushed on the module value stack (Vnt_AppModQueuePop), when not 0, is
-/// loaded. `text` and `restore` are handed to the port.
+/// selection; any answer but OK is returned. After OK (either way) the module
+/// number last pushed on the module value stack (Vnt_AppModQueuePop), when
+/// not 0, is loaded. `text` and `restore` are handed to the port.
 VANTO_API VNT_RESP Vnt_DsnSelect(const char* text, bool restore, bool force);
