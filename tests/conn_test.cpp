@@ -228,6 +228,18 @@ TEST_P(ConnLite, TheDatabaseFileLiesInTheDataDirectory) {
     EXPECT_EQ(std::string(Vnt_AppDataPath()), "T:\\Daten\\M1");
 }
 
+TEST_P(ConnLite, RelativePathsReachTheDriverAsHostPaths) {
+    const std::string cwd = vnt::host::curDir();
+    ASSERT_TRUE(vnt::host::setCurDir("T:\\Daten"));
+    put("INI/dsn.ini", {"[Settings]", "DefaultDriver=SQLite3", "[Dsn1]", "*=Relativ", "DtaPth=M3", "Ddfpath=..\\INI"});
+    const bool ok = Vnt_DsnConnectClient("Relativ");
+    vnt::host::setCurDir(cwd);
+    ASSERT_TRUE(ok) << lastBox();
+    EXPECT_TRUE(fs::exists(dir_ / "Daten/M3/vanto.db")) << "under the library's current directory";
+    EXPECT_EQ(std::string(Vnt_AppDataPath()), "M3") << "kept as written";
+    EXPECT_THAT(Vnt_AppConnGet(), HasSubstr(";Database=M3\\vanto.db;"));
+}
+
 TEST_P(ConnLite, ConnectStringsFollowTheClientsSection) {
     app({"DsnPathSpec=Database", "DsnIsFile=0"});
     put("INI/dsn.ini", {"[Settings]", "DefaultDriver=SQLite3", "[Dsn1]", "*=Ordnung", "Timeout=5", "; Notiz",

@@ -12,9 +12,12 @@
 // database that Windows-1252 cannot hold reads as "?".
 //
 // Paths. Connect strings hold paths in the library's form ("T:\Daten\a.db");
-// each value that is an absolute library path with a volume ("X:\...") is
-// handed to the driver as the host path of that volume (vanto/lfn.h). The
-// connect string of an open database stays as it was given.
+// the driver knows only host paths, so each value that is an absolute
+// library path with a volume ("X:\..."), and any value of "Ddfpath" and of
+// the clients' path key ("DsnPathSpec", vanto/dsn.h; these may also be
+// relative to the current directory), is handed to the driver as the host
+// path (vanto/lfn.h). The connect string of an open database stays as it
+// was given.
 //
 // Errors. Every failing ODBC call is shown to the user with system message
 // 60310 (what was done, SQLSTATE, the driver's text) and kept for callers:

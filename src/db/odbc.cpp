@@ -228,7 +228,12 @@ std::string driverConnect(std::string_view connect) {
         }
         const std::string_view v = trim(it.value);
         std::string value = toUtf8(it.value);
-        if (v.size() >= 3 && v[1] == ':' && v[2] == '\\') {
+        // Absolute library paths, and whatever the DD path and a client's
+        // path key hold (they may be relative to the current directory).
+        const State& st = state();
+        const bool pathKey = sameText(trim(it.key), "Ddfpath") ||
+                             (st.dsnSettingsRead && st.pathSpec[0] && sameText(trim(it.key), st.pathSpec));
+        if ((v.size() >= 3 && v[1] == ':' && v[2] == '\\') || (pathKey && !v.empty() && v.front() != '{')) {
             char host[4096];
             const std::string path(v);
             if (Vnt_LfnToHost(path.c_str(), host, sizeof host)) {
