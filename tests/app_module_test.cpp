@@ -36,6 +36,21 @@ std::string lib(const fs::path& p) {
     return Vnt_LfnFromHost(b, p.c_str()) ? b : "(not mappable)";
 }
 
+// A program that writes its arguments into out.txt of its working directory.
+void writeTool(const fs::path& file) {
+    fs::create_directories(file.parent_path());
+    std::ofstream(file) << "#!/bin/sh\necho \"$@\" > out.txt\n";
+    fs::permissions(file, fs::perms::owner_all);
+}
+
+// What a started program wrote to `out`, once it has (5 s at most).
+std::string written(const fs::path& out) {
+    for (int i = 0; i < 500 && !(fs::exists(out) && fs::file_size(out) > 0); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    std::ifstream in(out);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
 class AppModule : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -426,13 +441,24 @@ TEST_F(AppModule, ClientChainFailsOnAModuleThatIsNotQuiet) {
     EXPECT_EQ(Vnt_AppModQueuePop(), 77);
 }
 
+TEST_F(AppModule, ProgramsStartInTheProgramDirectoryOrByTheirBareName) {
+    // A name without a path comes from the start directory and runs in the
+    // program directory; "true.exe" is found only when retried bare.
+    writeTool(dir_ / "work" / "tool.sh");
+    ASSERT_TRUE(vnt::host::setCurDir(lib(dir_ / "work")));
+    table({"20, tool.sh, Tool, ModMain, 0", "21, true.exe, True, ModMain, 0", "22, NoSuchTool.exe, Gone, ModMain, 0"});
+    ASSERT_TRUE(Vnt_AppModLoad(20L)) << lastBox();
+    EXPECT_EQ(written(dir_ / "out.txt"), "\n");
+    EXPECT_FALSE(fs::exists(dir_ / "work" / "out.txt"));
+    EXPECT_TRUE(Vnt_AppModLoad(21L)) << lastBox();
+    EXPECT_TRUE(box.shown.empty());
+    EXPECT_FALSE(Vnt_AppModLoad(22L));
+    EXPECT_NE(lastBox().find("Error 2: "), std::string::npos) << lastBox();
+    EXPECT_NE(lastBox().find("NoSuchTool.exe"), std::string::npos) << lastBox();
+}
+
 TEST_F(AppModule, IniIndirectionStartsTheProgramItNames) {
-    // The program writes its arguments into its working directory.
-    fs::create_directories(dir_ / "bin");
-    {
-        std::ofstream(dir_ / "bin" / "tool.sh") << "#!/bin/sh\necho \"$@\" > out.txt\n";
-    }
-    fs::permissions(dir_ / "bin" / "tool.sh", fs::perms::owner_all);
+    writeTool(dir_ / "bin" / "tool.sh");
     std::ofstream(dir_ / "Fibu.ini") << "[Paths]\r\nExe=" << lib(dir_ / "bin" / "tool.sh") << "\r\nArgs=one \"two three\"\r\n";
     table({"70, -iniwFibu.ini, Fibu, [Paths] Exe Args, 0", "71, iniwFibu, NoExe, [Paths] Missing, 0",
            "72, iniFibu.ini, NoBracket, Paths Exe, 0", "73, iniFibu.ini, NoKey, [Paths], 0"});
@@ -441,11 +467,7 @@ TEST_F(AppModule, IniIndirectionStartsTheProgramItNames) {
     EXPECT_EQ(box.shown.size(), 1u);
     Vnt_AppModSetFunctionName("ModMain");
     ASSERT_TRUE(Vnt_AppModLoad(70L)) << lastBox();
-    const fs::path out = dir_ / "bin" / "out.txt";
-    for (int i = 0; i < 500 && !(fs::exists(out) && fs::file_size(out) > 0); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    std::ifstream in(out);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "one two three\n");
+    EXPECT_EQ(written(dir_ / "bin" / "out.txt"), "one two three\n");
     // Without a path the load fails on a name that does not exist.
     EXPECT_FALSE(Vnt_AppModLoad(71L));
     EXPECT_NE(lastBox().find("__VntXyzDummy__"), std::string::npos) << lastBox();
