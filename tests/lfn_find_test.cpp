@@ -263,9 +263,14 @@ TEST_F(LfnFind, TempNameAndFaults) {
     EXPECT_TRUE(Vnt_LfnTempFileName(buf));
     EXPECT_STREQ(buf, R"(T:\prog\090503.tmp)");
 
+    // A pattern reads the directory; a plain name is asked of the host alone.
     vnt::host::faultAt(Op::List, 1);
+    EXPECT_FALSE(Vnt_LfnFileFind(R"(T:\a\read*)"));
+    EXPECT_TRUE(Vnt_LfnFileFind(R"(T:\a\read*)"));
+    vnt::host::faultAt(Op::Stat, 1);
     EXPECT_FALSE(Vnt_LfnFileFind(R"(T:\a\readme)"));
-    EXPECT_TRUE(Vnt_LfnFileFind(R"(T:\a\readme)"));
+    EXPECT_TRUE(Vnt_LfnFileFind(R"(T:\a\READme)"));
+    EXPECT_STREQ(Vnt_LfnFileName(), "readme");
 }
 
 TEST_F(LfnFind, Volumes) {

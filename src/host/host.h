@@ -303,8 +303,8 @@ struct DirEntry {
 /// apply) when the directory cannot be read.
 bool listDir(const char* libDir, bool (*want)(const std::string& name, void* ctx), void* ctx,
              std::vector<DirEntry>& out);
-/// The entry of one name (Op::Stat faults apply); false when it does not
-/// exist or cannot be read.
+/// The entry of one name, with the name as it is on disk (Op::Stat faults
+/// apply); false when it does not exist or cannot be read.
 bool fileInfo(const char* libPath, DirEntry& out);
 /// The attribute word of a name, kAttrInvalid when it cannot be read
 /// (Op::Stat faults apply).

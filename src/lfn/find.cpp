@@ -71,6 +71,13 @@ bool byName(const vnt::host::DirEntry& a, const vnt::host::DirEntry& b) {
     return a.name < b.name;
 }
 
+// A name without wildcards that can only match itself: not "." or "..",
+// nor one with a character the host would take as a separator.
+bool isPlainName(const char* file) {
+    if (Vnt_LfnNameIsWild(file) || std::strchr(file, '/') != nullptr) return false;
+    return std::strspn(file, ".") != std::strlen(file);
+}
+
 Rec* currentRec() {
     auto& s = state();
     return s.current ? s.current : &s.defaultRec;
@@ -144,8 +151,17 @@ bool runFirst(Rec* r, const char* pattern, unsigned long mask) {
     Vnt_LfnNameSplit(pattern, dir, file, nullptr);
     if (file[0] == '\0') return false;
     auto l = std::make_unique<Rec::Listing>();
-    if (!vnt::host::listDir(dir, wantEntry, file, l->entries)) return false;
-    std::sort(l->entries.begin(), l->entries.end(), byName);
+    if (isPlainName(file)) {
+        // One name: asked of the host directly rather than by reading the
+        // whole directory, which would make work on large directories
+        // quadratic (the file copier looks up every source and target).
+        vnt::host::DirEntry e;
+        if (!vnt::host::fileInfo(pattern, e)) return false;
+        l->entries.push_back(std::move(e));
+    } else {
+        if (!vnt::host::listDir(dir, wantEntry, file, l->entries)) return false;
+        std::sort(l->entries.begin(), l->entries.end(), byName);
+    }
     r->listing = std::move(l);
     return advance(r);
 }

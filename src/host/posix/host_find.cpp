@@ -113,7 +113,11 @@ bool fileInfo(const char* libPath, DirEntry& out) {
     struct stat st;
     if (!statFollow(host, st)) return false;
     out = DirEntry{};
-    out.name = lastComponent(libPath);
+    // The name as it is on disk, which a lookup without regard to case may
+    // have found under another spelling.
+    const std::size_t slash = host.find_last_of('/');
+    if (host.size() < 2 || slash == std::string::npos || !Vnt_TxtFromUtf8(host.substr(slash + 1), out.name))
+        out.name = lastComponent(libPath);
     fill(out, st);
     return true;
 }
