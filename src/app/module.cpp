@@ -50,9 +50,9 @@ std::string progDir() {
 }
 
 /*
- * The search for a module named without the extension "DLL": that name,
- * then the host's names of such a library ("x.so", "libx.so"), because a
- * module library does not carry the extension "dll" on every host.
+ * The search's second step: the module's name with the extension "DLL",
+ * then the host's files of that library ("x.so", "libx.so"), because module
+ * libraries do not carry the extension "dll" on every host.
  */
 bool findLibrary(const char* file, char (&found)[VNT_MAX_PATH]) {
     char dll[VNT_MAX_PATH];
