@@ -221,6 +221,36 @@ TEST_F(Stat, InternalErrors) {
     EXPECT_FALSE(stat.GetRect(nullptr));
 }
 
+// A view that still reports the user's actions after its window is gone
+// meets internal errors, not a crash.
+struct LateView : VntScriptedProgressView {
+    VntProgressEvents* kept = nullptr;
+    bool OpenStatus(VNT_HWND owner, VntProgressPos pos, VntProgressEvents* events) override {
+        kept = events;
+        return VntScriptedProgressView::OpenStatus(owner, pos, events);
+    }
+};
+
+TEST_F(Stat, EventsWithoutAWindow) {
+    LateView late;
+    Vnt_UiSetProgress(&late);
+    {
+        VntStat stat("work");
+        stat.EnableCancel(true);
+        stat.End();
+        ASSERT_NE(late.kept, nullptr);
+        late.kept->OnCancelPressed();
+        expectInternalError(200);
+        late.kept->OnConfirmAnswer(true);
+        expectInternalError(199);
+        late.kept->OnStatusActivated();
+        expectInternalError(199);
+        EXPECT_FALSE(late.confirmOpen);
+        EXPECT_TRUE(stat.IsCancel());  // closed: nothing left to do
+    }
+    Vnt_UiSetProgress(&view);
+}
+
 TEST_F(Stat, CancelIsConfirmed) {
     const struct {
         const char* name;

@@ -46,8 +46,9 @@ public:
     VntFileCopy(const VntFileCopy&) = delete;
     VntFileCopy& operator=(const VntFileCopy&) = delete;
 
-    /// A non-null `stat` replaces the dialog (and closes an owned one); the
-    /// title is replaced; a non-null `msg` replaces the message handle.
+    /// A non-null `stat` ends a pattern copy (Close, which deletes a dialog
+    /// the copier made for it) and then becomes the dialog; the title is
+    /// replaced; a non-null `msg` replaces the message handle.
     void Setup(VntStat* stat, long title, VNT_MSG msg = nullptr);
     /// The folders of the name-only Copy and of the pattern copy (259
     /// characters each kept). False when their buffers cannot be allocated.
@@ -66,8 +67,11 @@ public:
     std::uint32_t Copy(const char* sourceDir, const char* targetDir, const char* name);
     /// The same in the folders of SetFolders.
     std::uint32_t Copy(const char* name);
-    /// Walks the tree below `source` (the target folder of SetFolders):
-    /// copying, only scanning (totals and hooks), or comparing.
+    /// Walks the tree below `source` (the target folder of SetFolders),
+    /// subdirectories first: copying; scanning (totals and hooks, each file
+    /// shown and the walk cancellable between files); or comparing as a
+    /// scan does and counting the targets missing or with another length or
+    /// time (Differences). False after an error, a cancel or a hook's false.
     bool TreeCopy(const char* source);
     bool TreeScan(const char* source);
     bool TreeCompare(const char* source);
