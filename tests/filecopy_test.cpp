@@ -166,6 +166,13 @@ TEST_F(FileCopy, FailuresAskAndLeaveNoTarget) {
             << r.name << ": " << box_.shown[0].text;
         EXPECT_TRUE(get("dst/a") == r.target) << r.name << ": a truncated target goes, an untouched one stays";
     }
+
+    // A dialog that cannot be opened stops the copy before its first chunk.
+    view_.failOpen = true;
+    VntFileCopy fc;
+    EXPECT_EQ(fc.Copy(R"(T:\src\a)", R"(T:\dst\b)"), 0u);
+    EXPECT_EQ(fc.Error(), VNT_FC_NODIALOG);
+    EXPECT_FALSE(fs::exists(base_ / "dst/b"));
 }
 
 // The source vanishes while the first question is up: the retry finds no
