@@ -167,6 +167,18 @@ TEST_F(FileCopy, FailuresAskAndLeaveNoTarget) {
         EXPECT_TRUE(get("dst/a") == r.target) << r.name << ": a truncated target goes, an untouched one stays";
     }
 
+    // A file copied onto itself under another spelling is refused, never
+    // truncated.
+    box_.shown.clear();
+    box_.answers.push_back({VNT_BTN_CANCEL, false});
+    {
+        VntFileCopy self;
+        EXPECT_EQ(self.Copy(R"(T:\src\a)", R"(t:\SRC\A)"), 0u);
+        EXPECT_EQ(self.Error(), VNT_FC_TARGET);
+    }
+    EXPECT_EQ(box_.shown.size(), 1u);
+    EXPECT_TRUE(get("src/a") == data);
+
     // A dialog that cannot be opened stops the copy before its first chunk.
     view_.failOpen = true;
     VntFileCopy fc;

@@ -2,6 +2,7 @@
 // retry questions.
 #include "vanto/filecopy.h"
 
+#include <cerrno>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -25,6 +26,16 @@ constexpr long kMsgNotFound = 60025;
 constexpr long kMsgCopyFailed = 60026;
 
 std::string displayName(const char* name, long width) { return Vnt_LfnNameOut(name, width); }
+
+// True when both names lead to one file (another spelling, a volume mapped
+// onto the same directory, a link): opening it as the target would
+// truncate the source.
+bool sameFile(const char* a, const char* b) {
+    std::string ha, hb;
+    if (!vnt::host::toHost(a, ha) || !vnt::host::toHost(b, hb)) return false;
+    const vnt::host::FileStamp sa = vnt::host::fileStamp(ha), sb = vnt::host::fileStamp(hb);
+    return sa.size >= 0 && sb.size >= 0 && sa.inode == sb.inode && sa.device == sb.device;
+}
 
 }  // namespace
 
@@ -154,7 +165,9 @@ std::uint32_t VntFileCopy::Copy(const char* source, const char* target) {
 }
 
 std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
+    bool ontoItself = false;
     if (Vnt_LfnFileFind(dst, nullptr)) {
+        ontoItself = sameFile(src, dst);
         targetAttr_ = static_cast<std::uint32_t>(Vnt_LfnFileAttr());
         targetTime_ = static_cast<std::uint32_t>(Vnt_LfnFileDateTime());
         if (overwrite_ == OW_NEVER || (overwrite_ == OW_IFNOTNEWER && targetTime_ > sourceTime_)) {
@@ -192,7 +205,10 @@ std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
                                                                                : static_cast<std::size_t>(size);
             }
             Vnt_LfnDirCreateFromFile(dst);
-            if (out.openWrite(dst)) {
+            if (ontoItself) {
+                vnt::host::setLastError(EINVAL);
+                error_ = VNT_FC_TARGET;
+            } else if (out.openWrite(dst)) {
                 truncated = true;
                 out.reserve(length_);
             }
