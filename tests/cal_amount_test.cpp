@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "cal_locale_files.h"
 #include "support.h"
 
 #include <clocale>
@@ -13,15 +14,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <limits>
 #include <random>
 #include <string>
 #include <vector>
-
-#ifdef __GLIBC__
-#include <langinfo.h>
-#endif
 
 #include "vanto/amount.h"
 #include "vanto/lfn.h"
@@ -383,41 +379,9 @@ TEST_F(Amount, BadArgumentsAreInternalErrors) {
     Vnt_MsgItfTerm();
 }
 
-#ifdef __GLIBC__
-// A numeric locale with "," as the decimal point, written by the test for
-// the C library to load from its own directory (LOCPATH), so that no
-// locale has to be installed on the machine. The file is the C library's
-// binary form of the category: a magic number, the item count, each item's
-// offset, then the items (texts, and the wide characters as 32-bit words).
-bool writeCommaLocale(const fs::path& dir, const char* name) {
-    const unsigned count = _NL_ITEM_INDEX(_NL_NUM_LC_NUMERIC);
-    std::vector<std::string> items(count, std::string(1, '\0'));
-    const auto word = [](std::uint32_t c) { return std::string(reinterpret_cast<const char*>(&c), 4); };
-    items[_NL_ITEM_INDEX(DECIMAL_POINT)] = std::string(",\0", 2);
-    items[_NL_ITEM_INDEX(THOUSANDS_SEP)] = std::string(".\0", 2);
-    items[_NL_ITEM_INDEX(GROUPING)] = std::string("\3\3\0", 3);
-    items[_NL_ITEM_INDEX(_NL_NUMERIC_DECIMAL_POINT_WC)] = word(',');
-    items[_NL_ITEM_INDEX(_NL_NUMERIC_THOUSANDS_SEP_WC)] = word('.');
-    items[_NL_ITEM_INDEX(_NL_NUMERIC_CODESET)] = std::string("ANSI_X3.4-1968\0", 15);
-    std::vector<std::uint32_t> head{0x20031115u ^ LC_NUMERIC, count};
-    std::string data;
-    const std::size_t start = (2 + count) * 4;
-    for (const std::string& item : items) {
-        while (data.size() % 4) data += '\0';
-        head.push_back(static_cast<std::uint32_t>(start + data.size()));
-        data += item;
-    }
-    std::error_code ec;
-    fs::create_directories(dir / name, ec);
-    std::ofstream out(dir / name / "LC_NUMERIC", std::ios::binary);
-    out.write(reinterpret_cast<const char*>(head.data()), static_cast<std::streamsize>(head.size() * 4));
-    out.write(data.data(), static_cast<std::streamsize>(data.size()));
-    return !ec && out.good();
-}
-#endif
-
-// The C run time in a locale whose decimal point is ",": the library's texts
-// and readings under a German and an English record stay as they are.
+// The C run time in a locale whose decimal point is "," (written by the test
+// where the C library allows): the library's texts and readings under a
+// German and an English record stay as they are.
 TEST_F(Amount, IndependentOfTheCRunTimesLocale) {
     const std::string saved = std::setlocale(LC_NUMERIC, nullptr);
     const fs::path dir = fs::temp_directory_path() / ("vanto_amount_" + std::to_string(std::random_device{}()));
@@ -425,7 +389,7 @@ TEST_F(Amount, IndependentOfTheCRunTimesLocale) {
 #ifdef __GLIBC__
     const char* oldPath = std::getenv("LOCPATH");
     const std::string savedPath = oldPath ? oldPath : "";
-    if (writeCommaLocale(dir, "xx_VNT")) {
+    if (vnt::test::writeCommaNumeric(dir, "xx_VNT")) {
         setenv("LOCPATH", dir.c_str(), 1);
         comma = std::setlocale(LC_NUMERIC, "xx_VNT") != nullptr;
     }

@@ -5,15 +5,20 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <optional>
+#include <random>
 #include <string>
 
+#include "cal_locale_files.h"
 #include "host/host.h"
 #include "support.h"
 #include "vanto/amount.h"
 #include "vanto/date.h"
 #include "vanto/locale.h"
 #include "vanto/ui/msgbox.h"
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -242,7 +247,7 @@ protected:
         return vnt::host::intlValue(key, v) ? v : "<none>";
     }
     static constexpr const char* kVars[] = {"LC_ALL", "LANG", "LC_NUMERIC", "LC_TIME", "LC_MONETARY",
-                                            "LC_MESSAGES", "LC_TELEPHONE"};
+                                            "LC_MESSAGES", "LC_TELEPHONE", "LOCPATH"};
     std::vector<std::optional<std::string>> saved_;
 };
 
@@ -272,5 +277,55 @@ TEST_F(HostIntl, LocaleEnvironment) {
     EXPECT_EQ(value("sNoSuchKey"), "<none>");
     EXPECT_GT(Vnt_SysWinVer(), 100);
 }
+
+#ifdef __GLIBC__
+// A locale as the machine would have it installed, written into the test's
+// own directory: its values win over the stand-in conventions of its
+// language, and its date format is translated to the pattern letters.
+TEST_F(HostIntl, InstalledLocale) {
+    using vnt::test::writeLocaleCategory;
+    const vnt::test::LocalePathLeaks cLibrary;
+    const fs::path dir = fs::temp_directory_path() / ("vanto_intl_" + std::to_string(std::random_device{}()));
+    auto install = [&](const std::string& sub, const char* dateFormat) {
+        const fs::path at = dir / sub;
+        setenv("LOCPATH", at.c_str(), 1);
+        return vnt::test::writeCommaNumeric(at, "de_VNT", ' ') &&
+               writeLocaleCategory(at, "de_VNT", "LC_TIME", LC_TIME, _NL_ITEM_INDEX(_NL_NUM_LC_TIME),
+                                   {{D_FMT, dateFormat}, {T_FMT, "%H.%M.%S"}}) &&
+               writeLocaleCategory(at, "de_VNT", "LC_MONETARY", LC_MONETARY, _NL_ITEM_INDEX(_NL_NUM_LC_MONETARY),
+                                   {{FRAC_DIGITS, "\3"}, {CRNCYSTR, "-EUR"}}) &&
+               writeLocaleCategory(at, "de_VNT", "LC_TELEPHONE", LC_TELEPHONE,
+                                   _NL_ITEM_INDEX(_NL_NUM_LC_TELEPHONE), {{_NL_TELEPHONE_INT_PREFIX, "41"}});
+    };
+    setenv("LANG", "de_VNT", 1);
+    ASSERT_TRUE(install("base", "%Y-%m-%d"));
+    std::string all;
+    for (const char* key : {"sDecimal", "sThousand", "sShortDate", "sTime", "iCurrDigits", "sCurrency", "iCountry",
+                            "sLanguage"})
+        all += value(key) + "|";
+    EXPECT_EQ(all, ",| |yyyy-MM-dd|.|3|EUR|41|DEU|") << "the language's code from the stand-ins, the rest installed";
+
+    // With no source of its own the library takes the record from there.
+    vnt::cal::reset();
+    const VNT_SYS_INFO& info = Vnt_SysInfo(VNT_SI_RELOAD);
+    EXPECT_EQ(std::string({info.cDecimal, info.cThousand, info.cTime}) + info.szShortDate + info.szCurrency,
+              ", .yyyy-MM-ddEUR");
+    EXPECT_EQ(info.iCurrDigits * 100 + info.iCountry, 341);
+    EXPECT_STREQ(Vnt_SysDateFormat(), "%04d-%02d-%02d");
+
+    const struct { const char* dateFormat; const char* shortDate; } formats[] = {
+        {"%d.%m.%Y", "dd.MM.yyyy"}, {"%e/%m/%y", "d/MM/yy"}, {"%D", "MM/dd/yy"}, {"%F", "yyyy-MM-dd"},
+        {"%Od.%Om.%EY", "dd.MM.yyyy"}, {"%d %B %Y", "<none>"}, {"", "<none>"},
+    };
+    int n = 0;
+    for (const auto& f : formats) {
+        ASSERT_TRUE(install(std::to_string(n++), f.dateFormat));
+        EXPECT_EQ(value("sShortDate"), f.shortDate) << f.dateFormat;
+    }
+    vnt::cal::reset();
+    std::error_code ec;
+    fs::remove_all(dir, ec);
+}
+#endif
 
 }  // namespace

@@ -218,7 +218,7 @@ bool timeSeparator(std::string& value) {
 bool countryValue(std::string& value) {
     const std::string name = envLocale("LC_TELEPHONE");
     if (isCLocale(name)) return false;
-#ifdef _NL_TELEPHONE_INT_PREFIX
+#ifdef __GLIBC__  // the telephone category is glibc's (its items are enumerators, not macros)
     Locale loc(LC_TELEPHONE_MASK, name);
     if (loc) {
         std::string_view p = loc.info(_NL_TELEPHONE_INT_PREFIX);
