@@ -10,21 +10,13 @@
 #include "vanto/app.h"
 #include "vanto/lfn.h"
 #include "vanto/module.h"
+#include "bench_support.h"
 #include "vanto/ui/msgbox.h"
 
 namespace {
 
-// Answers every box with OK at once.
-struct Silent : VntMsgPresenter {
-    bool Show(const VntBoxModel&, VntBoxAnswer& answer) override {
-        answer.button = VNT_BTN_OK;
-        return true;
-    }
-    int ShowPlain(const VntPlainBox&) override { return VNT_BTN_OK; }
-};
-
 struct Installation {
-    Silent silent;
+    vnt::bench::SilentPresenter silent;
     Installation() {
         VNT_PATH prog;
         if (!Vnt_LfnFromHost(prog, VANTO_SAMPLE_DIR "/Sample")) std::abort();

@@ -18,6 +18,7 @@
 #include "vanto/dsn.h"
 #include "vanto/lfn.h"
 #include "vanto/msg.h"
+#include "bench_support.h"
 #include "vanto/ui/msgbox.h"
 #include "vtmtool/vtm_writer.h"
 
@@ -28,19 +29,10 @@ namespace {
 constexpr int kRows = 10000;
 constexpr const char* kQuery = "SELECT id, name, betrag, datum FROM zeilen ORDER BY id";
 
-// Answers every box with OK at once.
-struct Silent : VntMsgPresenter {
-    bool Show(const VntBoxModel&, VntBoxAnswer& answer) override {
-        answer.button = VNT_BTN_OK;
-        return true;
-    }
-    int ShowPlain(const VntPlainBox&) override { return VNT_BTN_OK; }
-};
-
 // An installation with one SQLite client in a temporary directory, its
 // table filled once.
 struct Installation {
-    Silent silent;
+    vnt::bench::SilentPresenter silent;
     fs::path dir = fs::temp_directory_path() / ("vanto_dbbench_" + std::to_string(std::random_device{}()));
     Installation() {
         fs::remove_all(dir);

@@ -50,12 +50,11 @@ protected:
     }
     // The application file's settings section; the registry reads it anew.
     void app(const std::vector<std::string>& settings) {
-        vtmtool::Library l{"APPINI", 60, 0, -1, {}};
-        l.messages.push_back({1, "[Settings]"});
-        for (const std::string& s : settings) l.messages.push_back({uint16_t(l.messages.size() + 1), s});
+        std::vector<std::string> lines{"[Settings]"};
+        lines.insert(lines.end(), settings.begin(), settings.end());
         vnt::ini::reset();
         vnt::db::reset();
-        vtmtool::writeFileAtomic(dir_ / "INI" / "App.vtm", vtmtool::writeLibrary(l));
+        vnt::test::writeIniLibrary(dir_, "App.vtm", lines);
     }
     void put(const std::string& text, const std::string& name = "INI/dsn.ini") {
         fs::create_directories((dir_ / name).parent_path());

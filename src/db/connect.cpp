@@ -106,15 +106,6 @@ bool forEachLine(const char* text, Fn fn) {
 
 bool isKey(std::string_view key, const char* name) { return name && *name && vnt::db::sameText(key, name); }
 
-bool existsAsFile(const char* path) {
-    if (!path || !*path || Vnt_LfnNameIsWild(path)) return false;
-    char found[VNT_MAX_PATH];
-    VNT_LFN_HFIND h = nullptr;
-    const bool ok = Vnt_LfnFileFindFirst(found, nullptr, path, &h);
-    Vnt_LfnFindClose(&h);
-    return ok;
-}
-
 bool existsAsDir(const char* path) {
     if (!path || !*path || Vnt_LfnNameIsWild(path)) return false;
     if (Vnt_LfnNameIsRoot(path) || Vnt_LfnNameIsVol(path)) return Vnt_LfnVolFind(path);
@@ -411,9 +402,9 @@ bool Vnt_DsnConnectClient(const char* name) {
 
 bool Vnt_DsnPathExists(const char* path) {
     if (!path || !*path) return false;
-    if (!DsnIni::IsFile()) return existsAsDir(path) || existsAsFile(path);
+    if (!DsnIni::IsFile()) return existsAsDir(path) || vnt::db::fileExists(path);
     char file[VNT_MAX_PATH];
-    if (DsnIni::ResolvePath(path, &file, nullptr) && existsAsFile(file)) return true;
+    if (DsnIni::ResolvePath(path, &file, nullptr) && vnt::db::fileExists(file)) return true;
     return !DsnIni::DBFileName()[0] && existsAsDir(path);  // no file name to look for
 }
 

@@ -40,4 +40,8 @@ State& state();
 /// connection is left on it.
 void reset();
 
+/// True when `path` (the library's form, no wildcards) names an existing
+/// file, not a directory.
+bool fileExists(const char* path);
+
 }  // namespace vnt::db

@@ -47,16 +47,6 @@ void readSettings() {
         Vnt__MsgErr(kSource, __LINE__, "!Internal Error: isFile == false, but dbFile is not empty.");
 }
 
-// True when `path` names an existing file (not a directory).
-bool fileExists(const char* path) {
-    if (!path || !*path || Vnt_LfnNameIsWild(path)) return false;
-    char found[VNT_MAX_PATH];
-    VNT_LFN_HFIND h = nullptr;
-    const bool ok = Vnt_LfnFileFindFirst(found, nullptr, path, &h);
-    Vnt_LfnFindClose(&h);
-    return ok;
-}
-
 bool sameName(const char* a, const char* b) { return vnt::db::sameText(a ? a : "", b ? b : ""); }
 
 // Copies the first non-empty value of `keys` in the current section.
@@ -84,6 +74,15 @@ void sectionName(char (&out)[100], int number) { vnt::copyBounded(out, VntIni::N
 
 }  // namespace
 
+bool vnt::db::fileExists(const char* path) {
+    if (!path || !*path || Vnt_LfnNameIsWild(path)) return false;
+    char found[VNT_MAX_PATH];
+    VNT_LFN_HFIND h = nullptr;
+    const bool ok = Vnt_LfnFileFindFirst(found, nullptr, path, &h);
+    Vnt_LfnFindClose(&h);
+    return ok;
+}
+
 DsnIni::DsnIni(void* owner) : ini_("dsn.ini", "Settings", kDsnType), owner_(owner) {
     defaultDriver_[0] = '\0';
     settings_[0] = '\0';
@@ -94,7 +93,7 @@ DsnIni::~DsnIni() { --vnt::db::state().liveRegistries; }
 
 bool DsnIni::LoadSettings() {
     ini_.Setup("dsn.ini", "Settings", nullptr, kDsnType);
-    if (!fileExists(ini_.File())) {
+    if (!vnt::db::fileExists(ini_.File())) {
         Vnt_MsgSys(kMsgListMissing, ini_.File());
         return false;
     }
@@ -162,7 +161,7 @@ bool DsnIni::ReadEntry(DsnEntry& entry, int index) {
     sectionName(section, index + 1);
     ini_.SetSection(section);
     firstValue(ini_, {"DtaPth", PathSpec(), "Datapath", "DBQ"}, entry.path);
-    if (IsFile() && fileExists(entry.path)) Vnt_LfnNameSplit(entry.path, entry.path, nullptr, nullptr);
+    if (IsFile() && vnt::db::fileExists(entry.path)) Vnt_LfnNameSplit(entry.path, entry.path, nullptr, nullptr);
     ini_.ReadSection(entry.section, sizeof entry.section, section);
     ini_.SetSection("Settings");
     return true;
@@ -268,7 +267,7 @@ bool DsnIni::ResolvePath(const char* path, char (*dbFile)[VNT_MAX_PATH], char (*
     vnt::copyBounded(file, p);
     vnt::copyBounded(dir, p);
     if (IsFile()) {
-        if (fileExists(p.c_str())) Vnt_LfnNameSplit(p.c_str(), dir, nullptr, nullptr);
+        if (vnt::db::fileExists(p.c_str())) Vnt_LfnNameSplit(p.c_str(), dir, nullptr, nullptr);
         else if (DBFileName()[0]) Vnt_LfnNameMake(file, p.c_str(), DBFileName(), nullptr);
     }
     if (dbFile) vnt::copyBounded(*dbFile, file);
