@@ -91,11 +91,7 @@ protected:
     }
     /// The application file's settings section.
     void app(const std::vector<std::string>& settings) {
-        std::vector<std::string> lines{"[Settings]"};
-        lines.insert(lines.end(), settings.begin(), settings.end());
-        vnt::ini::reset();
-        vnt::db::reset();
-        vnt::test::writeIniLibrary(dir_, "App.vtm", lines);
+        vnt::test::writeAppSettings(dir_, settings);
     }
     void put(const std::string& name, const std::vector<std::string>& lines) {
         std::ofstream out(dir_ / name, std::ios::binary);

@@ -50,11 +50,7 @@ protected:
     }
     // The application file's settings section; the registry reads it anew.
     void app(const std::vector<std::string>& settings) {
-        std::vector<std::string> lines{"[Settings]"};
-        lines.insert(lines.end(), settings.begin(), settings.end());
-        vnt::ini::reset();
-        vnt::db::reset();
-        vnt::test::writeIniLibrary(dir_, "App.vtm", lines);
+        vnt::test::writeAppSettings(dir_, settings);
     }
     void put(const std::string& text, const std::string& name = "INI/dsn.ini") {
         fs::create_directories((dir_ / name).parent_path());

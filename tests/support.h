@@ -33,6 +33,16 @@ inline void writeIniLibrary(const std::filesystem::path& programDir, const std::
     vtmtool::writeFileAtomic(programDir / "INI" / name, vtmtool::writeLibrary(l));
 }
 
+/// Writes "App.vtm" with `settings` in its section "Settings", and lets the
+/// INI engine and the client registry read it anew.
+inline void writeAppSettings(const std::filesystem::path& programDir, const std::vector<std::string>& settings) {
+    std::vector<std::string> lines{"[Settings]"};
+    lines.insert(lines.end(), settings.begin(), settings.end());
+    vnt::ini::reset();
+    vnt::db::reset();
+    writeIniLibrary(programDir, "App.vtm", lines);
+}
+
 inline void resetAll() {
     vnt::ini::reset();  // closes the library-wide engine before the message system goes
     Vnt_AppSetProfile(nullptr);
