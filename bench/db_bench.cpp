@@ -10,9 +10,13 @@
 #include <filesystem>
 #include <fstream>
 #include <random>
+#include <cstdio>
+#include <source_location>
 #include <string>
 
+#include "db/db_state.h"
 #include "host/host.h"
+#include "ini/ini_stream.h"
 #include "vanto/app.h"
 #include "vanto/db.h"
 #include "vanto/dsn.h"
@@ -29,6 +33,11 @@ namespace {
 constexpr int kRows = 10000;
 constexpr const char* kQuery = "SELECT id, name, betrag, datum FROM zeilen ORDER BY id";
 
+[[noreturn]] void fail(const std::source_location where = std::source_location::current()) {
+    std::fprintf(stderr, "db_bench: the installation could not be set up (line %u)\n", unsigned(where.line()));
+    std::abort();
+}
+
 // An installation with one SQLite client in a temporary directory, its
 // table filled once.
 struct Installation {
@@ -43,17 +52,21 @@ struct Installation {
             l.messages.push_back({uint16_t(l.messages.size() + 1), s});
         vtmtool::writeFileAtomic(dir / "INI" / "App.vtm", vtmtool::writeLibrary(l));
         VNT_PATH data;
-        if (!Vnt_LfnFromHost(data, (dir / "Daten" / "M1").c_str())) std::abort();
+        if (!Vnt_LfnFromHost(data, (dir / "Daten" / "M1").c_str())) fail();
         std::ofstream(dir / "INI" / "dsn.ini", std::ios::binary)
             << "[Settings]\r\nDefaultDriver=SQLite3\r\nCount=1\r\n[Dsn1]\r\n*=Bench\r\nDtaPth=" << data << "\r\n";
         VNT_PATH prog;
-        if (!Vnt_LfnFromHost(prog, (dir / "Bench").c_str())) std::abort();
+        if (!Vnt_LfnFromHost(prog, (dir / "Bench").c_str())) fail();
         vnt::host::setProgramFile(prog);
+        // Another benchmark of the run may have started an installation of
+        // its own: its application file and client settings go.
+        vnt::ini::reset();
+        vnt::db::reset();
         Vnt_UiSetPresenter(&silent);
         VNT_PATH sys;
-        if (!Vnt_LfnFromHost(sys, VANTO_SYSLIB_EN) || !Vnt_MsgItfInit(nullptr, 0, sys)) std::abort();
+        if (!Vnt_LfnFromHost(sys, VANTO_SYSLIB_EN) || !Vnt_MsgItfInit(nullptr, 0, sys)) fail();
         held = Vnt_MsgHInit();
-        if (!Vnt_DsnConnectClient("Bench")) std::abort();
+        if (!Vnt_DsnConnectClient("Bench")) fail();
         VntDatabase* db = Vnt_AppGetConnect();
         const std::string fill =
             "WITH RECURSIVE c(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM c WHERE x < " + std::to_string(kRows) +
@@ -61,7 +74,7 @@ struct Installation {
         if (!db->ExecuteSQL("CREATE TABLE zeilen (id INTEGER PRIMARY KEY, name VARCHAR(40), betrag NUMERIC(10,2),"
                             " datum DATE)") ||
             !db->ExecuteSQL(fill.c_str()))
-            std::abort();
+            fail();
         Vnt_AppConnClose();
     }
     ~Installation() {
