@@ -8,6 +8,7 @@
 #include "vanto/dsn.h"
 #include "vanto/ini.h"
 #include "vanto/module.h"
+#include "vanto/msg.h"
 #include "vanto/text.h"
 #include "vanto/ui/clientsel.h"
 
@@ -56,18 +57,36 @@ VNT_RESP Vnt_DsnSelect(const char* text, bool restore, bool force) {
     return VNT_RESP_OK;
 }
 
+namespace {
+
+// The terminal texts of the headless selection, in the library's language.
+struct SelectTexts {
+    const char *title, *prompt, *range, *noSuch, *notConnected;
+};
+const SelectTexts& selectTexts() {
+    static constexpr SelectTexts kGerman{"Mandantenauswahl", "Mandant (1-", ", leer: Abbrechen): ",
+                                         "Keine solche Nummer.\n",
+                                         "Der Mandant konnte nicht verbunden werden.\n"};
+    static constexpr SelectTexts kEnglish{"Client selection", "Client (1-", ", empty: cancel): ",
+                                          "No such number.\n", "The client could not be connected.\n"};
+    return Vnt_ResLanguage()[0] == 'E' ? kEnglish : kGerman;
+}
+
+}  // namespace
+
 VNT_RESP VntHeadlessClientSelect::Run(const VntClientSelectRequest& request, DsnIni& registry) {
     using vnt::host::writeStderr;
     if (!request.defaultClient.empty() && registry.FindEntry(request.defaultClient.c_str()) > 0)
         return Vnt_DsnConnectClient(registry, request.defaultClient.c_str()) ? VNT_RESP_OK : VNT_RESP_CANCEL;
     if (registry.Count() == 0 || !vnt::host::interactiveTerminal()) return VNT_RESP_CANCEL;
-    std::string list = "\n== Mandantenauswahl ==\n";
+    const SelectTexts& tx = selectTexts();
+    std::string list = std::string("\n== ") + tx.title + " ==\n";
     for (int i = 0; i < registry.Count(); ++i)
         list += "  " + std::to_string(i + 1) + "  " + Vnt_TxtToUtf8(registry.Entry(i)->name) + "  (" +
                 Vnt_TxtToUtf8(registry.Entry(i)->path) + ")\n";
     writeStderr(list);
     for (;;) {
-        writeStderr("Mandant (1-" + std::to_string(registry.Count()) + ", leer: Abbrechen): ");
+        writeStderr(tx.prompt + std::to_string(registry.Count()) + tx.range);
         std::string line;
         if (!vnt::host::readLine(line) || line.empty()) return VNT_RESP_CANCEL;
         int n = line.size() <= 6 ? 0 : -1;
@@ -75,11 +94,11 @@ VNT_RESP VntHeadlessClientSelect::Run(const VntClientSelectRequest& request, Dsn
             if (n >= 0) n = c >= '0' && c <= '9' ? n * 10 + (c - '0') : -1;
         const DsnEntry* e = n > 0 ? registry.Entry(n - 1) : nullptr;
         if (!e) {
-            writeStderr("Keine solche Nummer.\n");
+            writeStderr(tx.noSuch);
             continue;
         }
         if (Vnt_DsnConnectClient(registry, e->name)) return VNT_RESP_OK;
-        writeStderr("Der Mandant konnte nicht verbunden werden.\n");
+        writeStderr(tx.notConnected);
     }
 }
 
