@@ -21,8 +21,13 @@
 #include "vanto/ui/progress.h"
 
 namespace fs = std::filesystem;
+using vnt::host::Op;
+using Strings = std::vector<std::string>;
 
 namespace {
+
+// Removed while the first question of a copy is up.
+fs::path gSourceToRemove;
 
 class FileCopy : public ::testing::Test {
 protected:
@@ -31,13 +36,11 @@ protected:
         base_ = fs::temp_directory_path() /
                 ("vanto_fcopy_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
         fs::remove_all(base_);
-        fs::create_directories(base_ / "src");
-        fs::create_directories(base_ / "dst");
+        fs::create_directories(base_ / "src"), fs::create_directories(base_ / "dst");
         ASSERT_TRUE(Vnt_LfnVolMap('T', base_.c_str()));
         VNT_PATH sys;
         ASSERT_TRUE(Vnt_LfnFromHost(sys, VANTO_SYSLIB_EN) && Vnt_MsgItfInit(nullptr, 0, sys));
-        // Held open, so that the faults below meet the copy, not the library.
-        sys_ = Vnt_MsgHInit();
+        sys_ = Vnt_MsgHInit();  // held open, so that the faults below meet the copy, not the library
         Vnt_UiSetPresenter(&box_);
         Vnt_UiSetProgress(&view_);
     }
@@ -57,17 +60,18 @@ protected:
         std::ifstream in(base_ / rel, std::ios::binary);
         return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "(missing)";
     }
+    bool exists(const std::string& rel) const { return fs::exists(base_ / rel); }
     void age(const std::string& rel, int hours) {
         fs::last_write_time(base_ / rel, fs::last_write_time(base_ / rel) - std::chrono::hours(hours));
     }
     bool sameTime(const std::string& a, const std::string& b) const {
         return fs::last_write_time(base_ / a) == fs::last_write_time(base_ / b);
     }
-    // The numbers of the questions asked so far.
-    std::vector<std::string> questions() const {
-        std::vector<std::string> out;
-        for (const auto& b : box_.shown) out.push_back(b.text);
-        return out;
+    // The copy's one question names `named` and says it could not be copied.
+    void expectOneQuestion(const std::string& named, const char* trace) {
+        ASSERT_EQ(box_.shown.size(), 1u) << trace;
+        EXPECT_NE(box_.shown[0].text.find("could not be copied"), std::string::npos) << trace;
+        EXPECT_NE(box_.shown[0].text.find(named), std::string::npos) << trace << ": " << box_.shown[0].text;
     }
     static std::string big(std::size_t n) {
         std::string s(n, '\0');
@@ -101,41 +105,35 @@ TEST_F(FileCopy, SingleCopyKeepsTimeNotAttributes) {
     EXPECT_EQ(fc.Copy(R"(T:\src\empty)", R"(T:\dst\empty)"), 0u);
     EXPECT_EQ(fc.Error(), 0);
     EXPECT_EQ(get("dst/empty"), "");
-
     EXPECT_EQ(fc.Copy(R"(T:\src\none)", R"(T:\dst\none)"), 0u);
-    EXPECT_FALSE(fc.IsError() || fc.IsCancel());
-    EXPECT_FALSE(fs::exists(base_ / "dst/none"));
+    EXPECT_FALSE(fc.IsError() || fc.IsCancel() || exists("dst/none"));
     EXPECT_TRUE(box_.shown.empty());
 }
 
 TEST_F(FileCopy, OverwriteModes) {
     struct Row { int mode; int targetAgeHours; bool copied; };
-    const Row rows[] = {{0, -10, true}, {1, 10, false}, {2, -10, false}, {2, 10, true}};
-    for (const Row& r : rows) {
+    for (const Row& r : {Row{0, -10, true}, Row{1, 10, false}, Row{2, -10, false}, Row{2, 10, true}}) {
+        SCOPED_TRACE("mode " + std::to_string(r.mode) + ", target older by " + std::to_string(r.targetAgeHours));
         put("src/f", "new!");
         put("dst/f", "old");
         age("src/f", 20);
         age("dst/f", 20 + r.targetAgeHours);  // negative: the target is newer
         VntFileCopy fc;
         fc.SetOverwrite(r.mode);
-        EXPECT_EQ(fc.Copy(R"(T:\src\f)", R"(T:\dst\f)"), 4u) << "mode " << r.mode;
-        EXPECT_EQ(get("dst/f"), r.copied ? "new!" : "old") << "mode " << r.mode;
-        EXPECT_EQ(fc.Error(), r.copied ? 0 : VNT_FC_SKIPPED) << "mode " << r.mode;
+        EXPECT_EQ(fc.Copy(R"(T:\src\f)", R"(T:\dst\f)"), 4u);
+        EXPECT_EQ(get("dst/f"), r.copied ? "new!" : "old");
+        EXPECT_EQ(fc.Error(), r.copied ? 0 : VNT_FC_SKIPPED);
         EXPECT_EQ(view_.lines[0], r.copied ? R"(Copying T:\src\f to T:\dst\f)" : R"(Skipping T:\dst\f)");
         EXPECT_FALSE(fc.IsError() || fc.IsCancel());
     }
 }
 
 TEST_F(FileCopy, FailuresAskAndLeaveNoTarget) {
-    using vnt::host::Op;
-    const std::string data = big(50000);
-    const std::string old = "an older target";
+    const std::string data = big(50000), old = "an older target";
     struct Row {
         const char* name;
         Op op;
-        int nth;
-        int answer;
-        int code;
+        int nth, answer, code;
         std::size_t result;
         const char* named;   // the file the question names
         std::string target;  // what is left of the target
@@ -160,10 +158,7 @@ TEST_F(FileCopy, FailuresAskAndLeaveNoTarget) {
         EXPECT_EQ(fc.Copy(R"(T:\src\a)", R"(T:\dst\a)"), r.result) << r.name;
         vnt::host::faultReset();
         EXPECT_EQ(fc.Error(), r.code) << r.name;
-        ASSERT_EQ(box_.shown.size(), 1u) << r.name;
-        EXPECT_NE(box_.shown[0].text.find("could not be copied"), std::string::npos) << r.name;
-        EXPECT_NE(box_.shown[0].text.find(std::string(r.named) + "\\a"), std::string::npos)
-            << r.name << ": " << box_.shown[0].text;
+        expectOneQuestion(std::string(r.named) + "\\a", r.name);
         EXPECT_TRUE(get("dst/a") == r.target) << r.name << ": a truncated target goes, an untouched one stays";
     }
 
@@ -171,66 +166,57 @@ TEST_F(FileCopy, FailuresAskAndLeaveNoTarget) {
     // truncated.
     box_.shown.clear();
     box_.answers.push_back({VNT_BTN_CANCEL, false});
-    {
-        VntFileCopy self;
-        EXPECT_EQ(self.Copy(R"(T:\src\a)", R"(t:\SRC\A)"), 0u);
-        EXPECT_EQ(self.Error(), VNT_FC_TARGET);
-    }
+    VntFileCopy fc;
+    EXPECT_EQ(fc.Copy(R"(T:\src\a)", R"(t:\SRC\A)"), 0u);
+    EXPECT_EQ(fc.Error(), VNT_FC_TARGET);
     EXPECT_EQ(box_.shown.size(), 1u);
     EXPECT_TRUE(get("src/a") == data);
 
     // A dialog that cannot be opened stops the copy before its first chunk.
     view_.failOpen = true;
-    VntFileCopy fc;
     EXPECT_EQ(fc.Copy(R"(T:\src\a)", R"(T:\dst\b)"), 0u);
     EXPECT_EQ(fc.Error(), VNT_FC_NODIALOG);
-    EXPECT_FALSE(fs::exists(base_ / "dst/b"));
+    EXPECT_FALSE(exists("dst/b"));
 }
 
 // The source vanishes while the first question is up: the retry finds no
 // source, says so and ends without waiting for an answer that could retry.
-fs::path gSourceToRemove;
-
 TEST_F(FileCopy, SourceGoneBeforeTheRetry) {
     put("src/a", big(50000));
     gSourceToRemove = base_ / "src/a";
     box_.during = [](const VntBoxModel&) { fs::remove(gSourceToRemove); };
     box_.answers = {{VNT_BTN_RETRY, false}, {VNT_BTN_RETRY, false}};
-    vnt::host::faultAt(vnt::host::Op::Read, 2);
+    vnt::host::faultAt(Op::Read, 2);
     VntFileCopy fc;
     EXPECT_EQ(fc.Copy(R"(T:\src\a)", R"(T:\dst\a)"), 0u);
     EXPECT_EQ(fc.Error(), VNT_FC_SOURCE);
-    ASSERT_EQ(questions().size(), 2u);
-    EXPECT_NE(questions()[0].find("could not be copied"), std::string::npos) << questions()[0];
-    EXPECT_NE(questions()[1].find("\"T:\\src\\a\" was not found"), std::string::npos) << questions()[1];
-    EXPECT_FALSE(fs::exists(base_ / "dst/a"));
+    ASSERT_EQ(box_.shown.size(), 2u);
+    EXPECT_NE(box_.shown[0].text.find("could not be copied"), std::string::npos) << box_.shown[0].text;
+    EXPECT_NE(box_.shown[1].text.find("\"T:\\src\\a\" was not found"), std::string::npos) << box_.shown[1].text;
+    EXPECT_FALSE(exists("dst/a"));
 }
 
+// A cancel confirmed in the progress view ends a copy or a tree walk (a scan
+// between its files) without a question and without a partial target.
 TEST_F(FileCopy, CancelStopsWithoutAQuestion) {
     put("src/a", big(100000));
-    view_.cancelAtUpdate = 2;
-    view_.answers.push_back(VntScriptedProgressView::Answer::Yes);
-    VntFileCopy fc;
-    EXPECT_EQ(fc.Copy(R"(T:\src\a)", R"(T:\dst\a)"), 0u);
-    EXPECT_TRUE(fc.IsCancel());
-    EXPECT_EQ(fc.Error(), VNT_FC_CANCEL);
-    EXPECT_TRUE(box_.shown.empty());
-    EXPECT_FALSE(fs::exists(base_ / "dst/a"));
-
-    // In a tree walk the cancel ends the walk; a scan can be cancelled
-    // between its files.
     put("src/b", "b");
-    for (bool scan : {false, true}) {
-        SCOPED_TRACE(scan ? "scan" : "copy");
+    for (const std::string walk : {"copy", "tree copy", "tree scan"}) {
+        SCOPED_TRACE(walk);
         view_.records.clear();
-        view_.cancelAtUpdate = scan ? 1 : 2;
+        view_.cancelAtUpdate = walk == "tree scan" ? 1 : 2;
         view_.answers = {VntScriptedProgressView::Answer::Yes};
-        VntFileCopy tree;
-        tree.SetFolders(nullptr, R"(T:\dst)");
-        EXPECT_FALSE(scan ? tree.TreeScan(R"(T:\src)") : tree.TreeCopy(R"(T:\src)"));
-        EXPECT_EQ(tree.Error(), VNT_FC_CANCEL);
+        VntFileCopy fc;
+        if (walk == "copy") {
+            EXPECT_EQ(fc.Copy(R"(T:\src\a)", R"(T:\dst\a)"), 0u);
+            EXPECT_TRUE(fc.IsCancel());
+        } else {
+            fc.SetFolders(nullptr, R"(T:\dst)");
+            EXPECT_FALSE(walk == "tree scan" ? fc.TreeScan(R"(T:\src)") : fc.TreeCopy(R"(T:\src)"));
+        }
+        EXPECT_EQ(fc.Error(), VNT_FC_CANCEL);
         EXPECT_TRUE(box_.shown.empty());
-        EXPECT_FALSE(fs::exists(base_ / "dst/a") || fs::exists(base_ / "dst/b"));
+        EXPECT_FALSE(exists("dst/a") || exists("dst/b"));
     }
 }
 
@@ -238,13 +224,13 @@ TEST_F(FileCopy, PatternCopyAndBorrowedDialog) {
     for (const char* f : {"b.txt", "a.txt", "c.dat", "D.TXT"}) put(std::string("src/") + f, f);
     VntStat stat;
     VntFileCopy fc(&stat, 0);
-    std::vector<std::string> seen;
+    Strings seen;
     char found[VNT_MAX_PATH];
     for (bool ok = fc.CopyFirst(R"(T:\src)", R"(T:\dst)", "*.txt", found); ok; ok = fc.CopyNext(found))
         seen.push_back(found);
-    EXPECT_EQ(seen, (std::vector<std::string>{R"(T:\src\a.txt)", R"(T:\src\b.txt)", R"(T:\src\D.TXT)"}));
+    EXPECT_EQ(seen, (Strings{R"(T:\src\a.txt)", R"(T:\src\b.txt)", R"(T:\src\D.TXT)"}));
     EXPECT_EQ(get("dst/D.TXT"), "D.TXT");
-    EXPECT_FALSE(fs::exists(base_ / "dst/c.dat"));
+    EXPECT_FALSE(exists("dst/c.dat"));
     EXPECT_TRUE(stat.IsOpen()) << "a borrowed dialog stays the caller's";
     fc.Close();
     EXPECT_TRUE(stat.IsOpen());
@@ -266,7 +252,7 @@ TEST_F(FileCopy, PatternCopyAndBorrowedDialog) {
 
 // Walks record what the hooks saw.
 struct Recorder : VntFileCopy {
-    std::vector<std::string> calls;
+    Strings calls;
     std::string stopAt, skipFile;
     bool hook(const char* kind, char* src, bool* skip) {
         calls.push_back(std::string(kind) + " " + src);
@@ -280,26 +266,23 @@ struct Recorder : VntFileCopy {
 };
 
 TEST_F(FileCopy, TreeWalks) {
-    const std::string large = big(50 * 1048576 + 123);
-    std::map<std::string, std::string> files = {
+    const std::map<std::string, std::string> files = {
         {"src/top.txt", "top"}, {"src/a/empty", ""}, {"src/a/b/deep.txt", "deep"},
-        {"src/Gr\xC3\xBC\xC3\x9F" "e/\xC3\xA4.txt", "umlauts"}, {"src/z/large.bin", large},
+        {"src/Gr\xC3\xBC\xC3\x9F" "e/\xC3\xA4.txt", "umlauts"}, {"src/z/large.bin", big(50 * 1048576 + 123)},
     };
-    for (const auto& [rel, data] : files) put(rel, data);
+    double bytes = 0;
+    for (const auto& [rel, data] : files) put(rel, data), bytes += static_cast<double>(data.size());
     fs::create_directories(base_ / "src/emptydir");
 
     Recorder fc;
     ASSERT_TRUE(fc.SetFolders(nullptr, R"(T:\dst)"));
     ASSERT_TRUE(fc.TreeScan(R"(T:\src)"));
-    EXPECT_FALSE(fs::exists(base_ / "dst/top.txt")) << "a scan copies nothing";
-    double bytes = 0;
-    for (const auto& f : files) bytes += static_cast<double>(f.second.size());
+    EXPECT_FALSE(exists("dst/top.txt")) << "a scan copies nothing";
     EXPECT_EQ(fc.TotalBytes(), bytes);
     EXPECT_EQ(fc.TotalMiB() * 1048576.0 + fc.TotalRest(), bytes);
     EXPECT_EQ(fc.TotalMiB(), 50u);
-    const std::vector<std::string> scanOrder(fc.calls.begin(), fc.calls.begin() + 3);
-    EXPECT_EQ(scanOrder, (std::vector<std::string>{"scandir T:\\src\\a", "scandir T:\\src\\a\\b",
-                                                   "scan T:\\src\\a\\b\\deep.txt"}))
+    EXPECT_EQ(Strings(fc.calls.begin(), fc.calls.begin() + 3),
+              (Strings{"scandir T:\\src\\a", "scandir T:\\src\\a\\b", "scan T:\\src\\a\\b\\deep.txt"}))
         << "subdirectories depth first, before the files of a directory";
     EXPECT_EQ(fc.calls.back(), "scan T:\\src\\top.txt");
     EXPECT_EQ(view_.lines[0].rfind("Checking T:\\src\\top.txt", 0), 0u) << view_.lines[0];
@@ -318,7 +301,6 @@ TEST_F(FileCopy, TreeWalks) {
         EXPECT_TRUE(sameTime(rel, to)) << rel;
     }
     EXPECT_TRUE(fs::is_directory(base_ / "dst/emptydir"));
-
     EXPECT_TRUE(fc.TreeCompare(R"(T:\src)"));
     EXPECT_EQ(fc.Differences(), 0u);
     put("dst/top.txt", "changed");
@@ -332,9 +314,8 @@ TEST_F(FileCopy, TreeWalks) {
     fc.skipFile = R"(T:\src\a\empty)";
     fc.stopAt = R"(T:\src\top.txt)";
     EXPECT_FALSE(fc.TreeCopy(R"(T:\src)"));
-    EXPECT_FALSE(fs::exists(base_ / "dst/a/empty"));
-    EXPECT_TRUE(fs::exists(base_ / "dst/a/b/deep.txt"));
-    EXPECT_FALSE(fs::exists(base_ / "dst/top.txt"));
+    EXPECT_FALSE(exists("dst/a/empty") || exists("dst/top.txt"));
+    EXPECT_TRUE(exists("dst/a/b/deep.txt"));
 }
 
 }  // namespace
