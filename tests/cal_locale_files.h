@@ -1,8 +1,7 @@
-// Locales written by the tests, for the C library to load from the test's
-// own directory (LOCPATH), so that no locale has to be installed on the
-// machine. glibc only: its binary form of one category is a magic number,
-// the item count, each item's offset, then the items (texts, and the wide
-// characters and numbers as 32-bit words).
+// Locales written by the tests into their own directory (LOCPATH), so that no
+// locale has to be installed. glibc only: one category's binary form is a
+// magic number, the item count, each item's offset, then the items (texts;
+// wide characters and numbers as 32-bit words).
 #pragma once
 
 #ifdef __GLIBC__
@@ -30,11 +29,9 @@
 
 namespace vnt::test {
 
-/// While LOCPATH is set, the C library's newlocale() keeps a copy of the
-/// path for every call and never frees it (glibc 2.36); the leak checker is
-/// told so for the lifetime of this object.
-class LocalePathLeaks {
-public:
+/// While LOCPATH is set, glibc's newlocale() keeps a never freed copy of the
+/// path for every call; the leak checker is told so while this object lives.
+struct LocalePathLeaks {
 #ifdef VNT_TEST_LSAN
     LocalePathLeaks() { __lsan_disable(); }
     ~LocalePathLeaks() { __lsan_enable(); }
@@ -42,26 +39,23 @@ public:
     LocalePathLeaks() {}
 #endif
     LocalePathLeaks(const LocalePathLeaks&) = delete;
-    LocalePathLeaks& operator=(const LocalePathLeaks&) = delete;
 };
 
 /// A 32-bit word item.
 inline std::string localeWord(std::uint32_t w) { return std::string(reinterpret_cast<const char*>(&w), 4); }
 
-/// Writes `dir`/`name`/`file`, the category `category` with `count` items;
-/// `items` by item (nl_item), each ended by four zero bytes; items not given
-/// are empty (a zero word, an empty text).
+/// Writes `dir`/`name`/`file`, the category with `count` items; `items` by
+/// nl_item, each ended by four zero bytes; the others empty.
 inline bool writeLocaleCategory(const std::filesystem::path& dir, const char* name, const char* file, int category,
                                 unsigned count, const std::map<nl_item, std::string>& items) {
     std::vector<std::uint32_t> head{0x20031115u ^ static_cast<std::uint32_t>(category), count};
     const std::size_t start = (2 + count) * 4;
     std::string data(8, '\0');  // the empty item
-    std::vector<std::uint32_t> offsets(count, static_cast<std::uint32_t>(start));
+    head.resize(2 + count, static_cast<std::uint32_t>(start));
     for (const auto& [item, value] : items) {
-        offsets[static_cast<unsigned>(_NL_ITEM_INDEX(item))] = static_cast<std::uint32_t>(start + data.size());
+        head[2 + static_cast<unsigned>(_NL_ITEM_INDEX(item))] = static_cast<std::uint32_t>(start + data.size());
         data += value + std::string(4 - value.size() % 4 + 4, '\0');  // ended, next one aligned
     }
-    head.insert(head.end(), offsets.begin(), offsets.end());
     std::error_code ec;
     std::filesystem::create_directories(dir / name, ec);
     std::ofstream out(dir / name / file, std::ios::binary);
@@ -73,9 +67,7 @@ inline bool writeLocaleCategory(const std::filesystem::path& dir, const char* na
 /// A numeric category with "," as the decimal point and `thousands`.
 inline bool writeCommaNumeric(const std::filesystem::path& dir, const char* name, char thousands = '.') {
     return writeLocaleCategory(dir, name, "LC_NUMERIC", LC_NUMERIC, _NL_ITEM_INDEX(_NL_NUM_LC_NUMERIC),
-                               {{DECIMAL_POINT, ","},
-                                {THOUSANDS_SEP, std::string(1, thousands)},
-                                {GROUPING, "\3\3"},
+                               {{DECIMAL_POINT, ","}, {THOUSANDS_SEP, std::string(1, thousands)}, {GROUPING, "\3\3"},
                                 {_NL_NUMERIC_DECIMAL_POINT_WC, localeWord(',')},
                                 {_NL_NUMERIC_THOUSANDS_SEP_WC, localeWord(static_cast<unsigned char>(thousands))},
                                 {_NL_NUMERIC_CODESET, "ANSI_X3.4-1968"}});

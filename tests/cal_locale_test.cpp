@@ -25,6 +25,13 @@ namespace {
 // 20 November 2026, a Friday.
 const vnt::host::LocalTime kNow{2026, 11, 20, 10, 30, 0, 0, 5};
 
+// "digits|country|decimal thousands time|currency|language|short date", "~" for an absent character.
+std::string record(const VNT_SYS_INFO& i) {
+    auto ch = [](char c) { return c ? std::string(1, c) : std::string("~"); };
+    return std::to_string(i.iCurrDigits) + "|" + std::to_string(i.iCountry) + "|" + ch(i.cDecimal) +
+           ch(i.cThousand) + ch(i.cTime) + "|" + i.szCurrency + "|" + i.szLanguage + "|" + i.szShortDate;
+}
+
 class Locale : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -47,133 +54,85 @@ protected:
     VntScriptedPresenter boxes_;
 };
 
-std::string text(int y, int m, int d, bool twoDigits = false, bool fullYear = true) {
-    char buf[20];
-    std::memset(buf, 'x', sizeof buf);
-    Vnt_SysDateToStr(y, m, d, &buf, twoDigits, fullYear);
-    return std::string(buf, strnlen(buf, sizeof buf));
-}
-
 TEST_F(Locale, RecordDefaultsAndLimits) {
     EXPECT_EQ(Vnt_SysDateOrder(), -1);
     EXPECT_STREQ(Vnt_SysDateFormat(), "%02d_%02d_%02d");
     use(nullptr);
-    const VNT_SYS_INFO& d = Vnt_SysInfo(VNT_SI_GET);
-    EXPECT_EQ(d.iCurrDigits, 2);
-    EXPECT_EQ(d.iCountry, 49);
-    EXPECT_EQ(d.cDecimal, 0);
-    EXPECT_EQ(d.cThousand, 0);
-    EXPECT_EQ(d.cTime, 0);
-    EXPECT_STREQ(d.szCurrency, "");
-    EXPECT_STREQ(d.szShortDate, "dd.MM.yyyy");
-
-    VntIntlTable t{{"iCurrDigits", "3x"}, {"iCountry", "-41"}, {"sDecimal", ",;"},
-                   {"sThousand", ""},     {"sTime", ":"},      {"sCurrency", "EURO123"},
-                   {"sLanguage", "DEUX"}, {"sShortDate", "dd.MM.yyyy.dd.MM.yyyy"}};
+    EXPECT_EQ(record(Vnt_SysInfo(VNT_SI_GET)), "2|49|~~~|||dd.MM.yyyy");
+    VntIntlTable t{{"iCurrDigits", "3x"}, {"iCountry", "-41"}, {"sDecimal", ",;"}, {"sThousand", ""},
+                   {"sTime", ":"}, {"sCurrency", "EURO123"}, {"sLanguage", "DEUX"},
+                   {"sShortDate", "dd.MM.yyyy.dd.MM.yyyy"}};
     Vnt_SysSetIntlSource(&t);
     EXPECT_EQ(Vnt_SysInfo(VNT_SI_GET).iCurrDigits, 2) << "loaded once, until reloaded";
-    const VNT_SYS_INFO& r = Vnt_SysInfo(VNT_SI_RELOAD);
-    EXPECT_EQ(r.iCurrDigits, 3);
-    EXPECT_EQ(r.iCountry, -41);
-    EXPECT_EQ(r.cDecimal, ',');
-    EXPECT_EQ(r.cThousand, 0);
-    EXPECT_EQ(r.cTime, ':');
-    EXPECT_STREQ(r.szCurrency, "EURO12");
-    EXPECT_STREQ(r.szLanguage, "DEU");
-    EXPECT_STREQ(r.szShortDate, "dd.MM.yyyy.dd.M");
+    EXPECT_EQ(record(Vnt_SysInfo(VNT_SI_RELOAD)), "3|-41|,~:|EURO12|DEU|dd.MM.yyyy.dd.M");
     EXPECT_EQ(Vnt_SysSetIntlSource(nullptr), &t);
 }
 
 TEST_F(Locale, FormatDerivedFromShortDate) {
-    struct Row { const char* shortDate; int order; const char* print; char sep1, sep2; };
-    const Row rows[] = {
-        {"dd.MM.yyyy", 1, "%02d.%02d.%04d", '.', '.'}, {"d/M/yy", 1, "%01d/%01d/%02d", '/', '/'},
-        {"yyyy-MM-dd", 2, "%04d-%02d-%02d", '-', '-'}, {"MM/dd/yyyy", 0, "%02d/%02d/%04d", '/', '/'},
-        {"M/d/yyyy", 0, "%01d/%01d/%04d", '/', '/'},   {"yy.MM.dd", 2, "%02d.%02d.%02d", '.', '.'},
-        {"Md", 0, "%02d_%00d_%00d", '.', '.'},
-        // Two different separators: the first two fields run to the first one.
-        {"dd-MM yyyy", 1, "%02d-%07d %00d", '-', ' '}, {"d. M. yyyy", 1, "%01d.%02d %00d", '.', ' '},
+    // Two different separators: the first two fields run to the first one.
+    const struct { const char *shortDate, *expected; } rows[] = {
+        {"dd.MM.yyyy", "1 %02d.%02d.%04d .."}, {"d/M/yy", "1 %01d/%01d/%02d //"}, {"yyyy-MM-dd", "2 %04d-%02d-%02d --"},
+        {"MM/dd/yyyy", "0 %02d/%02d/%04d //"}, {"M/d/yyyy", "0 %01d/%01d/%04d //"}, {"yy.MM.dd", "2 %02d.%02d.%02d .."},
+        {"Md", "0 %02d_%00d_%00d .."},         {"dd-MM yyyy", "1 %02d-%07d %00d - "}, {"d. M. yyyy", "1 %01d.%02d %00d . "},
     };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         use(r.shortDate);
         const VNT_SYS_INFO& i = Vnt_SysInfo(VNT_SI_GET);
-        EXPECT_EQ(Vnt_SysDateOrder(), r.order) << r.shortDate;
-        EXPECT_EQ(std::string(Vnt_SysDateFormat()), r.print) << r.shortDate;
-        EXPECT_EQ(i.cDateSep1, r.sep1) << r.shortDate;
-        EXPECT_EQ(i.cDateSep2, r.sep2) << r.shortDate;
+        EXPECT_EQ(std::to_string(Vnt_SysDateOrder()) + " " + Vnt_SysDateFormat() + " " + i.cDateSep1 + i.cDateSep2,
+                  r.expected) << r.shortDate;
         EXPECT_FALSE(Vnt_SysIsShortYear()) << r.shortDate;
     }
     EXPECT_TRUE(boxes_.shown.empty());
 }
 
 TEST_F(Locale, DateText) {
-    struct Row { const char* shortDate; int y, m, d; bool two, full; const char* expected; };
-    const Row rows[] = {
-        {"dd.MM.yyyy", 1999, 3, 5, false, true, "05.03.1999"},
-        {"dd.MM.yyyy", 1999, 3, 5, false, false, "05.03.1999"},
-        {"d/M/yy", 1999, 3, 5, false, true, "5/3/1999"},
-        {"d/M/yy", 1999, 3, 5, false, false, "5/3/99"},
-        {"d/M/yy", 2005, 12, 31, true, false, "31/12/05"},
-        {"d/M/yy", 2005, 3, 5, true, false, "05/03/05"},
-        {"MM/dd/yyyy", 1999, 3, 5, false, true, "03/05/1999"},
-        {"yyyy-MM-dd", 1999, 3, 5, false, false, "1999-03-05"},
-        {"yy-M-d", 1999, 3, 5, false, false, "99-3-5"},
-        {"d. M. yyyy", 1999, 3, 5, false, true, "5.03 1999"},
-        {"dd.MM.yyyy", 65535, 255, 255, false, true, "20.11.2026"},
-        {"dd.MM.yyyy", 5, 1, 2, false, true, "02.01.0005"},
-        {"dd.MM.yyyy", 99, 1, 2, false, true, ""},
-        {"dd.MM.yyyy", 1999, 99, 2, false, true, ""},
-        {"dd.MM.yyyy", 99, 99, 99, false, true, ""},
+    const struct { const char* shortDate; int y, m, d; bool two, full; const char* expected; } rows[] = {
+        {"dd.MM.yyyy", 1999, 3, 5, false, true, "05.03.1999"}, {"dd.MM.yyyy", 1999, 3, 5, false, false, "05.03.1999"},
+        {"d/M/yy", 1999, 3, 5, false, true, "5/3/1999"},       {"d/M/yy", 1999, 3, 5, false, false, "5/3/99"},
+        {"d/M/yy", 2005, 12, 31, true, false, "31/12/05"},     {"d/M/yy", 2005, 3, 5, true, false, "05/03/05"},
+        {"MM/dd/yyyy", 1999, 3, 5, false, true, "03/05/1999"}, {"yyyy-MM-dd", 1999, 3, 5, false, false, "1999-03-05"},
+        {"yy-M-d", 1999, 3, 5, false, false, "99-3-5"},        {"d. M. yyyy", 1999, 3, 5, false, true, "5.03 1999"},
+        {"dd.MM.yyyy", 65535, 255, 255, false, true, "20.11.2026"}, {"dd.MM.yyyy", 5, 1, 2, false, true, "02.01.0005"},
+        {"dd.MM.yyyy", 99, 1, 2, false, true, ""},             {"dd.MM.yyyy", 1999, 99, 2, false, true, ""},
+        {"dd.MM.yyyy", 99, 99, 99, false, true, ""},  // the empty date clears all 20 bytes
     };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         use(r.shortDate);
-        EXPECT_EQ(text(r.y, r.m, r.d, r.two, r.full), r.expected) << r.shortDate << " " << r.y;
+        char buf[20];
+        std::memset(buf, 'x', sizeof buf);
+        Vnt_SysDateToStr(r.y, r.m, r.d, &buf, r.two, r.full);
+        EXPECT_EQ(std::string(buf, strnlen(buf, sizeof buf)), r.expected) << r.shortDate << " " << r.y;
+        if (!*r.expected) {
+            EXPECT_EQ(std::string(buf, sizeof buf), std::string(20, '\0')) << r.y << " " << r.m;
+        }
     }
-    char buf[20];
-    std::memset(buf, 'x', sizeof buf);
-    Vnt_SysDateToStr(99, 99, 99, &buf, false, true);
-    EXPECT_EQ(std::string(buf, sizeof buf), std::string(20, '\0')) << "the empty date clears all 20 bytes";
 }
 
 TEST_F(Locale, ReadingDates) {
-    struct Row {
-        const char* shortDate;
-        const char* in;
-        int y, m, d;
-        bool result;
-        const char* rest;  // where reading stopped
+    // Expected: "year-month-day result" and where reading stopped.
+    const struct { const char *shortDate, *in, *expected, *rest; } rows[] = {
+        {"dd.MM.yyyy", "05.03.1999", "1999-3-5 0", ""},      {"dd.MM.yyyy", "5.3.99", "1999-3-5 1", ""},
+        {"dd.MM.yyyy", " \t05/03-1999 rest", "1999-3-5 0", "rest"}, {"dd.MM.yyyy", "3", "2026-11-3 1", ""},
+        {"dd.MM.yyyy", "45.03.1999", "2003-5-4 1", "1999"},  {"dd.MM.yyyy", "", "99-99-99 1", ""},
+        {"dd.MM.yyyy", "  ", "99-99-99 1", ""},              {"dd.MM.yyyy", "*.*.2001", "2001-11-20 1", ""},
+        {"dd.MM.yyyy", "**2001", "2001-11-20 1", ""},
+        {"dd.MM.yyyy", "x.7.2001", "2007-11-20 1", "2001"},  // "x" and "." unset day and month
+        {"dd.MM.yyyy", "31.02.2001", "2001-2-28 1", ""},     {"dd.MM.yyyy", "00.00.2001", "2001-11-20 1", ""},
+        {"dd.MM.yyyy", "05.03.0", "2000-3-5 1", ""},
+        {"dd.MM.yyyy", "05.03.19999", "19999-3-5 0", "9"},   // a year is read whole
+        {"dd.MM.yyyy", "123.4.2001", "2004-3-12 1", "2001"}, // "3" is surplus, then the month
+        {"dd.MM.yyyy", "5x3.99", "2003-11-5 1", "99"},       {"MM/dd/yyyy", "03/05/1999", "1999-3-5 0", ""},
+        {"MM/dd/yyyy", "13/05/1999", "2005-1-3 1", "1999"},  {"yyyy-MM-dd", "1999-03-05", "1999-3-5 0", ""},
+        {"yyyy-MM-dd", "99-3-5", "1999-3-5 1", ""},          {"yyyy-MM-dd", "2024", "2024-11-20 1", ""},
     };
-    const Row rows[] = {
-        {"dd.MM.yyyy", "05.03.1999", 1999, 3, 5, false, ""},
-        {"dd.MM.yyyy", "5.3.99", 1999, 3, 5, true, ""},
-        {"dd.MM.yyyy", " \t05/03-1999 rest", 1999, 3, 5, false, "rest"},
-        {"dd.MM.yyyy", "3", 2026, 11, 3, true, ""},
-        {"dd.MM.yyyy", "45.03.1999", 2003, 5, 4, true, "1999"},
-        {"dd.MM.yyyy", "", 99, 99, 99, true, ""},
-        {"dd.MM.yyyy", "  ", 99, 99, 99, true, ""},
-        {"dd.MM.yyyy", "*.*.2001", 2001, 11, 20, true, ""},
-        {"dd.MM.yyyy", "**2001", 2001, 11, 20, true, ""},
-        {"dd.MM.yyyy", "x.7.2001", 2007, 11, 20, true, "2001"},  // "x" and "." unset day and month
-        {"dd.MM.yyyy", "31.02.2001", 2001, 2, 28, true, ""},
-        {"dd.MM.yyyy", "00.00.2001", 2001, 11, 20, true, ""},
-        {"dd.MM.yyyy", "05.03.0", 2000, 3, 5, true, ""},
-        {"dd.MM.yyyy", "05.03.19999", 19999, 3, 5, false, "9"},  // a year is read whole
-        {"dd.MM.yyyy", "123.4.2001", 2004, 3, 12, true, "2001"},  // "3" is surplus, then the month
-        {"dd.MM.yyyy", "5x3.99", 2003, 11, 5, true, "99"},
-        {"MM/dd/yyyy", "03/05/1999", 1999, 3, 5, false, ""},
-        {"MM/dd/yyyy", "13/05/1999", 2005, 1, 3, true, "1999"},
-        {"yyyy-MM-dd", "1999-03-05", 1999, 3, 5, false, ""},
-        {"yyyy-MM-dd", "99-3-5", 1999, 3, 5, true, ""},
-        {"yyyy-MM-dd", "2024", 2024, 11, 20, true, ""},
-    };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         use(r.shortDate);
         VNT_DATE d{};
         const char* end = nullptr;
-        EXPECT_EQ(Vnt_SysDateFromStr(d, r.in, &end), r.result) << r.shortDate << " '" << r.in << "'";
-        EXPECT_EQ(d.year, r.y) << r.in;
-        EXPECT_EQ(d.month, r.m) << r.in;
-        EXPECT_EQ(d.day, r.d) << r.in;
+        const bool result = Vnt_SysDateFromStr(d, r.in, &end);
+        EXPECT_EQ(std::to_string(d.year) + "-" + std::to_string(d.month) + "-" + std::to_string(d.day) + " " +
+                      std::to_string(result),
+                  r.expected) << r.shortDate << " '" << r.in << "'";
         EXPECT_STREQ(end, r.rest) << r.in;
     }
     use("dd.MM.yyyy");
@@ -188,40 +147,32 @@ TEST_F(Locale, ReadingDates) {
 // Whole records as a German and an American system give them: the record
 // itself, dates both ways, and money, all from the installed source.
 TEST_F(Locale, GermanAndAmericanRecords) {
-    struct Row {
-        VntIntlTable source;
-        const char *decimal, *thousand, *currency, *language, *dateText, *typed, *money;
-        int country;
-    };
-    const Row rows[] = {
+    const struct { VntIntlTable source; const char *record, *dateText, *typed, *money; } rows[] = {
         {{{"iCurrDigits", "2"}, {"iCountry", "49"}, {"sDecimal", ","}, {"sThousand", "."}, {"sTime", ":"},
           {"sCurrency", "EUR"}, {"sLanguage", "DEU"}, {"sShortDate", "dd.MM.yyyy"}},
-         ",", ".", "EUR", "DEU", "05.03.1999", "24.12.01", "1234,57", 49},
+         "2|49|,.:|EUR|DEU|dd.MM.yyyy", "05.03.1999", "24.12.01", "1234,57"},
         {{{"iCurrDigits", "2"}, {"iCountry", "1"}, {"sDecimal", "."}, {"sThousand", ","}, {"sTime", ":"},
           {"sCurrency", "$"}, {"sLanguage", "ENU"}, {"sShortDate", "M/d/yyyy"}},
-         ".", ",", "$", "ENU", "3/5/1999", "12/24/01", "1234.57", 1},
+         "2|1|.,:|$|ENU|M/d/yyyy", "3/5/1999", "12/24/01", "1234.57"},
     };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         VntIntlTable source = r.source;
         Vnt_SysSetIntlSource(&source);
-        const VNT_SYS_INFO& i = Vnt_SysInfo(VNT_SI_RELOAD);
-        EXPECT_EQ(std::string({i.cDecimal, i.cThousand, i.cTime}), std::string(r.decimal) + r.thousand + ":");
-        EXPECT_EQ(std::string(i.szCurrency) + " " + i.szLanguage + " " + std::to_string(i.iCountry),
-                  std::string(r.currency) + " " + r.language + " " + std::to_string(r.country));
+        EXPECT_EQ(record(Vnt_SysInfo(VNT_SI_RELOAD)), r.record);
         const VNT_DATE march{1999, 3, 5};
         char buf[20];
         EXPECT_TRUE(Vnt_DateToStr(buf, &march));
-        EXPECT_STREQ(buf, r.dateText) << r.language;
+        EXPECT_STREQ(buf, r.dateText) << r.record;
         VNT_DATE d{};
         Vnt_DateFromStr(&d, r.typed);
-        EXPECT_EQ(d.year * 10000 + d.month * 100 + d.day, 20011224) << r.language;
+        EXPECT_EQ(d.year * 10000 + d.month * 100 + d.day, 20011224) << r.record;
         EXPECT_STREQ(VntDate(2001, 12, 24).DateToStr(nullptr), VntDate(d.year, d.month, d.day).text);
         std::string money;
-        EXPECT_TRUE(Vnt_MoneyToStr(money, 1234.565, true));
-        EXPECT_EQ(money, r.money) << r.language;
         double v = 0;
+        EXPECT_TRUE(Vnt_MoneyToStr(money, 1234.565, true));
+        EXPECT_EQ(money, r.money) << r.record;
         EXPECT_FALSE(Vnt_MoneyFromStr(r.money, &v));
-        EXPECT_EQ(v, 1234.57) << r.language;
+        EXPECT_EQ(v, 1234.57) << r.record;
     }
     Vnt_SysSetIntlSource(nullptr);
     EXPECT_TRUE(boxes_.shown.empty());
@@ -246,28 +197,27 @@ protected:
         std::string v;
         return vnt::host::intlValue(key, v) ? v : "<none>";
     }
+    static std::string values(std::initializer_list<const char*> keys) {
+        std::string all;
+        for (const char* key : keys) all += value(key) + "|";
+        return all;
+    }
     static constexpr const char* kVars[] = {"LC_ALL", "LANG", "LC_NUMERIC", "LC_TIME", "LC_MONETARY",
                                             "LC_MESSAGES", "LC_TELEPHONE", "LOCPATH"};
     std::vector<std::optional<std::string>> saved_;
 };
 
 TEST_F(HostIntl, LocaleEnvironment) {
-    struct Row { const char* lang; const char *shortDate, *decimal, *language, *country; };
-    const Row rows[] = {
-        // A codeset no machine has keeps these rows on the stand-in table.
-        {"de_DE.VNT", "dd.MM.yyyy", ",", "DEU", "49"}, {"de_AT.VNT", "dd.MM.yyyy", ",", "DEA", "43"},
-        {"en_US.VNT", "MM/dd/yyyy", ".", "ENU", "1"},  {"en_GB.VNT@x", "dd/MM/yyyy", ".", "ENG", "44"},
-        {"sw_KE.VNT", "<none>", "<none>", "SWX", "<none>"},
-        {"C", "<none>", ".", "<none>", "<none>"},        {"C.UTF-8", "<none>", ".", "<none>", "<none>"},
-        {"", "<none>", ".", "<none>", "<none>"},
+    // A codeset no machine has keeps these rows on the stand-in table.
+    const struct { const char *lang, *expected; } rows[] = {  // short date, decimal, language, country, time
+        {"de_DE.VNT", "dd.MM.yyyy|,|DEU|49|:|"}, {"de_AT.VNT", "dd.MM.yyyy|,|DEA|43|:|"},
+        {"en_US.VNT", "MM/dd/yyyy|.|ENU|1|:|"},  {"en_GB.VNT@x", "dd/MM/yyyy|.|ENG|44|:|"},
+        {"sw_KE.VNT", "<none>|<none>|SWX|<none>|:|"}, {"C", "<none>|.|<none>|<none>|:|"},
+        {"C.UTF-8", "<none>|.|<none>|<none>|:|"},     {"", "<none>|.|<none>|<none>|:|"},
     };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         setenv("LANG", r.lang, 1);
-        EXPECT_EQ(value("sShortDate"), r.shortDate) << r.lang;
-        EXPECT_EQ(value("sDecimal"), r.decimal) << r.lang;
-        EXPECT_EQ(value("sLanguage"), r.language) << r.lang;
-        EXPECT_EQ(value("iCountry"), r.country) << r.lang;
-        EXPECT_EQ(value("sTime"), ":") << r.lang;
+        EXPECT_EQ(values({"sShortDate", "sDecimal", "sLanguage", "iCountry", "sTime"}), r.expected) << r.lang;
     }
     setenv("LANG", "en_US.VNT", 1);
     setenv("LC_TIME", "de_DE.VNT", 1);
@@ -299,23 +249,18 @@ TEST_F(HostIntl, InstalledLocale) {
     };
     setenv("LANG", "de_VNT", 1);
     ASSERT_TRUE(install("base", "%Y-%m-%d"));
-    std::string all;
-    for (const char* key : {"sDecimal", "sThousand", "sShortDate", "sTime", "iCurrDigits", "sCurrency", "iCountry",
-                            "sLanguage"})
-        all += value(key) + "|";
-    EXPECT_EQ(all, ",| |yyyy-MM-dd|.|3|EUR|41|DEU|") << "the language's code from the stand-ins, the rest installed";
+    EXPECT_EQ(values({"sDecimal", "sThousand", "sShortDate", "sTime", "iCurrDigits", "sCurrency", "iCountry",
+                      "sLanguage"}),
+              ",| |yyyy-MM-dd|.|3|EUR|41|DEU|") << "the language's code from the stand-ins, the rest installed";
 
     // With no source of its own the library takes the record from there.
     vnt::cal::reset();
-    const VNT_SYS_INFO& info = Vnt_SysInfo(VNT_SI_RELOAD);
-    EXPECT_EQ(std::string({info.cDecimal, info.cThousand, info.cTime}) + info.szShortDate + info.szCurrency,
-              ", .yyyy-MM-ddEUR");
-    EXPECT_EQ(info.iCurrDigits * 100 + info.iCountry, 341);
+    EXPECT_EQ(record(Vnt_SysInfo(VNT_SI_RELOAD)), "3|41|, .|EUR|DEU|yyyy-MM-dd");
     EXPECT_STREQ(Vnt_SysDateFormat(), "%04d-%02d-%02d");
 
-    const struct { const char* dateFormat; const char* shortDate; } formats[] = {
-        {"%d.%m.%Y", "dd.MM.yyyy"}, {"%e/%m/%y", "d/MM/yy"}, {"%D", "MM/dd/yy"}, {"%F", "yyyy-MM-dd"},
-        {"%Od.%Om.%EY", "dd.MM.yyyy"}, {"%d %B %Y", "<none>"}, {"", "<none>"},
+    const struct { const char *dateFormat, *shortDate; } formats[] = {
+        {"%d.%m.%Y", "dd.MM.yyyy"},    {"%e/%m/%y", "d/MM/yy"}, {"%D", "MM/dd/yy"}, {"%F", "yyyy-MM-dd"},
+        {"%Od.%Om.%EY", "dd.MM.yyyy"}, {"%d %B %Y", "<none>"},  {"", "<none>"},
     };
     int n = 0;
     for (const auto& f : formats) {
