@@ -12,7 +12,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <optional>
 
 namespace fs = std::filesystem;
 using vnt::test::Conn;
@@ -21,43 +20,33 @@ using Ready = vnt::test::ConnBackend::Ready;
 namespace {
 
 int run(const std::string& command) { return std::system(command.c_str()); }
-
 std::string sq(const std::string& s) { return "'" + s + "'"; }
 
 // A port nobody listens on now: the kernel's choice for port 0.
 int freePort() {
     const int s = ::socket(AF_INET, SOCK_STREAM, 0);
-    if (s < 0) return 0;
     sockaddr_in a{};
     a.sin_family = AF_INET;
     a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t len = sizeof a;
-    int port = 0;
-    if (::bind(s, reinterpret_cast<sockaddr*>(&a), sizeof a) == 0 &&
-        ::getsockname(s, reinterpret_cast<sockaddr*>(&a), &len) == 0)
-        port = ntohs(a.sin_port);
-    ::close(s);
-    return port;
+    const bool ok = s >= 0 && ::bind(s, reinterpret_cast<sockaddr*>(&a), sizeof a) == 0 &&
+                    ::getsockname(s, reinterpret_cast<sockaddr*>(&a), &len) == 0;
+    if (s >= 0) ::close(s);
+    return ok ? ntohs(a.sin_port) : 0;
 }
 
-class PgServer {
+// Started on first use: Absent when PostgreSQL or its ODBC driver is not
+// installed, Broken when it is but the server cannot be made ready (both
+// with the reason); stopped when the test program ends.
+class PgServer : public ::testing::Environment {
 public:
-    static PgServer& get() {
-        static PgServer server;
-        return server;
-    }
-    /// Starts the server on first use: Absent when PostgreSQL or its ODBC
-    /// driver is not installed, Broken when it is but the server cannot be
-    /// made ready (both with the reason).
     Ready ready(std::string& why) {
-        if (!tried_) {
-            tried_ = true;
-            state_ = start();
-        }
+        if (!tried_) state_ = start();
+        tried_ = true;
         why = why_;
         return state_;
     }
-    void stop() {
+    void TearDown() override {
         if (!started_) return;
         started_ = false;
         run(as() + sq(bin_ + "/pg_ctl") + " -D " + sq(dir_ + "/data") + " -m immediate -w stop >/dev/null 2>&1");
@@ -68,7 +57,7 @@ public:
 
 private:
     // The server refuses to run as root.
-    std::string as() const { return ::geteuid() == 0 ? "runuser -u postgres -- " : ""; }
+    static std::string as() { return ::geteuid() == 0 ? "runuser -u postgres -- " : ""; }
     Ready fail(Ready r, const std::string& why) {
         why_ = why;
         return r;
@@ -80,8 +69,7 @@ private:
         if (bin_.empty()) return fail(Ready::Absent, "PostgreSQL is not installed (no /usr/lib/postgresql/*/bin/initdb)");
         if (run("odbcinst -q -d -n 'PostgreSQL Unicode' >/dev/null 2>&1") != 0)
             return fail(Ready::Absent, "the ODBC driver \"PostgreSQL Unicode\" is not installed");
-        port_ = freePort();
-        if (!port_) return fail(Ready::Broken, "no free port on 127.0.0.1");
+        if (!(port_ = freePort())) return fail(Ready::Broken, "no free port on 127.0.0.1");
         dir_ = (fs::temp_directory_path() / ("vanto_pg_" + std::to_string(::getpid()))).string();
         fs::remove_all(dir_, ec);
         // The server writes its own log; set-up output goes beside it.
@@ -94,13 +82,12 @@ private:
         started_ = true;
         if (run(as() + sq(bin_ + "/pg_ctl") + " -D " + sq(dir_ + "/data") + " -l " + sq(dir_ + "/server.log") +
                 " -w -o " + sq("-c listen_addresses=127.0.0.1 -p " + std::to_string(port_) + " -k " + dir_ +
-                                   " -c fsync=off -c full_page_writes=off") +
-                " start >/dev/null 2>&1") != 0)
+                               " -c fsync=off -c full_page_writes=off") + " start >/dev/null 2>&1") != 0)
             return fail(Ready::Broken, "the server did not start, see " + dir_ + "/server.log");
-        const std::string psql = as() + sq(bin_ + "/psql") + " -q -X -v ON_ERROR_STOP=1 -h " + sq(dir_) +
-                                 " -p " + std::to_string(port_) + " -U postgres -d postgres";
-        if (run(psql + " -c \"CREATE ROLE vanto LOGIN PASSWORD 'geheim'\" -c 'CREATE DATABASE vanto_m1 OWNER vanto'"
-                       " -c 'CREATE DATABASE vanto_m2 OWNER vanto'" + log) != 0)
+        if (run(as() + sq(bin_ + "/psql") + " -q -X -v ON_ERROR_STOP=1 -h " + sq(dir_) + " -p " +
+                std::to_string(port_) + " -U postgres -d postgres" +
+                " -c \"CREATE ROLE vanto LOGIN PASSWORD 'geheim'\" -c 'CREATE DATABASE vanto_m1 OWNER vanto'"
+                " -c 'CREATE DATABASE vanto_m2 OWNER vanto'" + log) != 0)
             return fail(Ready::Broken, "psql could not create the role and databases, see " + dir_ + "/setup.log");
         return Ready::Yes;
     }
@@ -110,26 +97,19 @@ private:
     std::string bin_, dir_, why_;
     int port_ = 0;
 };
-
-// Stops the server when the test program ends (it starts only when a test
-// of this file runs).
-class PgStop : public ::testing::Environment {
-public:
-    void TearDown() override { PgServer::get().stop(); }
-};
-[[maybe_unused]] ::testing::Environment* const pgStop = ::testing::AddGlobalTestEnvironment(new PgStop);
+PgServer* const pg = static_cast<PgServer*>(::testing::AddGlobalTestEnvironment(new PgServer));
 
 const vnt::test::ConnBackend kPostgres{
     "Postgres",
     {"DsnPathSpec=DtaPth", "DsnIsFile=0"},
     "PostgreSQL Unicode",
-    [](std::string& why) { return PgServer::get().ready(why); },
+    [](std::string& why) { return pg->ready(why); },
     [](int n) {
-        return std::vector<std::string>{"Servername=127.0.0.1", "Port=" + std::to_string(PgServer::get().port()),
+        return std::vector<std::string>{"Servername=127.0.0.1", "Port=" + std::to_string(pg->port()),
                                         "Database=vanto_m" + std::to_string(n), "UID=vanto", "PWD=geheim"};
     },
 };
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(Postgres, Conn, ::testing::Values(&kPostgres), [](const auto& i) { return i.param->name; });
+INSTANTIATE_TEST_SUITE_P(Postgres, Conn, ::testing::Values(&kPostgres), vnt::test::byName);

@@ -3,51 +3,26 @@
 // diagnostics in the message box, record sets moving (scrolling and read
 // forward), reading and writing texts with umlauts, amounts and dates, null
 // fields, changes by key and deleted records.
-#include <gmock/gmock.h>
-
-#include <filesystem>
-#include <string>
-#include <vector>
+#include "conn_fixture.h"
 
 #include "cal/odbc_timestamp.h"
-#include "support.h"
 #include "vanto/db.h"
-#include "vanto/lfn.h"
-#include "vanto/msg.h"
-#include "vanto/ui/msgbox.h"
 
 namespace fs = std::filesystem;
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
 namespace {
 
-class Db : public ::testing::Test {
+class Db : public vnt::test::Site<> {
 protected:
-    void SetUp() override {
-        vnt::test::resetAll();
-        base_ = fs::temp_directory_path() /
-                ("vanto_db_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
-        fs::remove_all(base_);
-        fs::create_directories(base_);
-        ASSERT_TRUE(Vnt_LfnVolMap('T', base_.c_str()));
-        VNT_PATH sys;
-        ASSERT_TRUE(Vnt_LfnFromHost(sys, VANTO_SYSLIB_EN) && Vnt_MsgItfInit(nullptr, 0, sys));
-        sys_ = Vnt_MsgHInit();
-        Vnt_UiSetPresenter(&box_);
-    }
     void TearDown() override {
         db_.Close();
-        Vnt_MsgHTerm(&sys_);
-        Vnt_MsgItfTerm();
-        Vnt_UiSetPresenter(nullptr);
-        vnt::test::resetAll();
-        fs::remove_all(base_);
+        Site::TearDown();
     }
     // The connect string of a database file under the test directory.
-    std::string connect(const std::string& file = "test.db") const {
-        return "DRIVER=SQLite3;Database=" + (base_ / file).string();
-    }
+    std::string connect() const { return "DRIVER=SQLite3;Database=" + (dir_ / "test.db").string(); }
     // Customers: umlauts, an amount, a date, a time stamp, a null note.
     void customers() {
         ASSERT_TRUE(db_.OpenEx(connect().c_str()));
@@ -59,29 +34,22 @@ protected:
               "INSERT INTO kunden VALUES (3, '\x80uro', -2.35, NULL, NULL, '')"})
             ASSERT_TRUE(db_.ExecuteSQL(sql)) << sql;
     }
-    long id(VntRecordset& rs) const {
+    static long id(VntRecordset& rs) {
         long v = 0;
         return rs.GetFieldValue("id", v) ? v : -1;
     }
-    std::string text(VntRecordset& rs, const char* field) const {
+    static std::string text(VntRecordset& rs, const char* field) {
         std::string v;
         return rs.GetFieldValue(field, v) ? v : "(null)";
     }
-
-    fs::path base_;
-    VNT_MSG sys_ = nullptr;
-    VntScriptedPresenter box_;
     VntDatabase db_;
 };
 
 TEST(DbMask, PasswordsAreMaskedWhateverTheirForm) {
     const struct { const char* in; const char* out; } rows[] = {
-        {"ODBC;UID=sa;PWD=geheim;X=1", "ODBC;UID=sa;PWD=****;X=1"},
-        {"pwd=a;Password=bb", "pwd=****;Password=****"},
-        {"DSN=x;PWD={a;b}};c};Y=2", "DSN=x;PWD=****;Y=2"},
-        {"UID=pwd;DATABASE=PWD", "UID=pwd;DATABASE=PWD"},
-        {"PWD=", "PWD=****"},
-        {"", ""},
+        {"ODBC;UID=sa;PWD=geheim;X=1", "ODBC;UID=sa;PWD=****;X=1"}, {"pwd=a;Password=bb", "pwd=****;Password=****"},
+        {"DSN=x;PWD={a;b}};c};Y=2", "DSN=x;PWD=****;Y=2"},          {"UID=pwd;DATABASE=PWD", "UID=pwd;DATABASE=PWD"},
+        {"PWD=", "PWD=****"},                                       {"", ""},
     };
     for (const auto& r : rows) EXPECT_EQ(Vnt_DbMaskConnect(r.in), r.out) << r.in;
     EXPECT_EQ(Vnt_DbMaskConnect(nullptr), "");
@@ -89,8 +57,7 @@ TEST(DbMask, PasswordsAreMaskedWhateverTheirForm) {
 
 TEST_F(Db, OpenCloseAndTheConnectString) {
     const std::string raw = "ODBC;" + connect() + ";PWD=geheim";
-    ASSERT_TRUE(db_.Open(nullptr, false, false, raw.c_str()));
-    EXPECT_TRUE(db_.IsOpen());
+    ASSERT_TRUE(db_.Open(nullptr, false, false, raw.c_str()) && db_.IsOpen());
     EXPECT_EQ(db_.GetConnectRaw(), raw) << "as given: it reopens the database";
     EXPECT_THAT(db_.GetConnect(), AllOf(HasSubstr("PWD=****"), Not(HasSubstr("geheim"))));
     EXPECT_THAT(db_.DriverName(), HasSubstr("sqlite3"));
@@ -103,40 +70,35 @@ TEST_F(Db, OpenCloseAndTheConnectString) {
     ASSERT_TRUE(db_.OpenEx("DRIVER=SQLite3;Database=T:\\Gr\xFC\xDF" "e.db"));
     EXPECT_EQ(std::string(db_.GetConnectRaw()), "ODBC;DRIVER=SQLite3;Database=T:\\Gr\xFC\xDF" "e.db");
     EXPECT_TRUE(db_.ExecuteSQL("CREATE TABLE t (a INTEGER)"));
-    EXPECT_TRUE(fs::exists(base_ / "Grüße.db"));
-    EXPECT_TRUE(box_.shown.empty());
+    EXPECT_TRUE(fs::exists(dir_ / "Grüße.db"));
 
     // A connection that fails keeps the password out of the box.
-    EXPECT_FALSE(db_.OpenEx("DRIVER=NoSuchDriver;Database=x;PWD=geheim"));
-    EXPECT_FALSE(db_.IsOpen());
-    ASSERT_EQ(box_.shown.size(), 1u);
-    EXPECT_THAT(box_.shown[0].text, AllOf(HasSubstr("The database reports an error."), HasSubstr("PWD=****"),
-                                          HasSubstr(std::string("SQLSTATE ") + Vnt_DbLastState()), Not(HasSubstr("geheim"))));
+    EXPECT_FALSE(db_.OpenEx("DRIVER=NoSuchDriver;Database=x;PWD=geheim") || db_.IsOpen());
+    ASSERT_EQ(box.shown.size(), 1u) << "and none before";
     EXPECT_STRNE(Vnt_DbLastState(), "");
+    EXPECT_THAT(lastBox(), AllOf(HasSubstr("The database reports an error."), HasSubstr("PWD=****"),
+                                 HasSubstr(std::string("SQLSTATE ") + Vnt_DbLastState()), Not(HasSubstr("geheim"))));
 
     EXPECT_FALSE(db_.Open(nullptr, true, false, connect().c_str())) << "exclusive access";
-    ASSERT_EQ(box_.shown.size(), 2u);
-    EXPECT_THAT(box_.shown[1].text, HasSubstr("exclusive"));
+    ASSERT_EQ(box.shown.size(), 2u);
+    EXPECT_THAT(lastBox(), HasSubstr("exclusive"));
 }
 
 TEST_F(Db, StatementsAndTheirDiagnostics) {
     customers();
-    EXPECT_TRUE(db_.ExecuteSQL("UPDATE kunden SET notiz = 'y' WHERE id > 1"));
-    EXPECT_EQ(db_.RowsAffected(), 2);
-    EXPECT_TRUE(db_.ExecuteSQL("DELETE FROM kunden WHERE id = 99"));
-    EXPECT_EQ(db_.RowsAffected(), 0);
-    // The statement went in UTF-8: SQLite holds the umlaut as two bytes.
-    EXPECT_TRUE(db_.ExecuteSQL("UPDATE kunden SET notiz = notiz WHERE hex(name) = '4DC3BC6C6C6572'"));
-    EXPECT_EQ(db_.RowsAffected(), 1);
-    EXPECT_TRUE(box_.shown.empty());
-
+    // Each statement and the rows it changed; the last went in UTF-8: SQLite
+    // holds the umlaut as two bytes.
+    const struct { const char* sql; long rows; } rows[] = {
+        {"UPDATE kunden SET notiz = 'y' WHERE id > 1", 2}, {"DELETE FROM kunden WHERE id = 99", 0},
+        {"UPDATE kunden SET notiz = notiz WHERE hex(name) = '4DC3BC6C6C6572'", 1}};
+    for (const auto& r : rows)
+        EXPECT_TRUE(db_.ExecuteSQL(r.sql) && db_.RowsAffected() == r.rows) << r.sql << ": " << db_.RowsAffected();
     Vnt_DbClearError();
     EXPECT_FALSE(db_.ExecuteSQL("SELEKT * FROM kunden"));
-    ASSERT_EQ(box_.shown.size(), 1u);
-    EXPECT_EQ(std::string(Vnt_DbLastState()), "HY000");
+    ASSERT_EQ(box.shown.size(), 1u) << "and none before";
+    EXPECT_STREQ(Vnt_DbLastState(), "HY000");
     EXPECT_THAT(Vnt_DbLastError(), HasSubstr("syntax error"));
-    EXPECT_THAT(box_.shown[0].text, AllOf(HasSubstr("SELEKT * FROM kunden"), HasSubstr("SQLSTATE HY000: "),
-                                          HasSubstr("syntax error")));
+    EXPECT_THAT(lastBox(), AllOf(HasSubstr("SELEKT * FROM kunden"), HasSubstr("SQLSTATE HY000: "), HasSubstr("syntax error")));
     Vnt_DbClearError();
     EXPECT_TRUE(std::string(Vnt_DbLastState()).empty() && std::string(Vnt_DbLastError()).empty());
 }
@@ -156,32 +118,30 @@ TEST_F(Db, RecordSetsReadAndMoveScrollingOrForward) {
         // Each step: the move, its result, then the id (-1: none), BOF, EOF.
         enum Move { First, Next, Prev, Last };
         const struct { Move move; bool ok; long id; bool bof, eof; } steps[] = {
-            {Next, true, 2, false, false}, {Next, true, 3, false, false}, {Next, false, -1, false, true},
+            {Next, true, 2, false, false}, {Next, true, 3, false, false},  {Next, false, -1, false, true},
             {Next, false, -1, false, true}, {Prev, true, 3, false, false}, {First, true, 1, false, false},
             {Prev, false, -1, true, false}, {Prev, false, -1, true, false}, {Next, true, 1, false, false},
-            {Last, true, 3, false, false}, {Prev, true, 2, false, false},
+            {Last, true, 3, false, false},  {Prev, true, 2, false, false},
         };
         EXPECT_TRUE(id(rs) == 1 && !rs.IsBOF() && !rs.IsEOF()) << "the first record after Open";
         for (const auto& s : steps) {
             const bool ok = s.move == First ? rs.MoveFirst() : s.move == Next ? rs.MoveNext()
                           : s.move == Prev ? rs.MovePrev() : rs.MoveLast();
-            EXPECT_EQ(ok, s.ok) << "move " << s.move << " to " << s.id;
-            EXPECT_EQ(id(rs), s.id);
-            EXPECT_TRUE(rs.IsBOF() == s.bof && rs.IsEOF() == s.eof) << "move " << s.move << " to " << s.id;
+            EXPECT_TRUE(ok == s.ok && id(rs) == s.id && rs.IsBOF() == s.bof && rs.IsEOF() == s.eof)
+                << "move " << s.move << " to " << s.id << ": " << ok << id(rs) << rs.IsBOF() << rs.IsEOF();
         }
 
         // Record 2: text, amount, date, time stamp.
-        EXPECT_EQ(text(rs, "name"), "Stra\xDF" "e");
         double amount = 0;
-        EXPECT_TRUE(rs.GetFieldValue("betrag", amount) && amount == 0.1);
         VNT_DATE d{};
-        EXPECT_TRUE(rs.GetFieldValue("datum", d) && d.year == 1999 && d.month == 12 && d.day == 31);
         tagTIMESTAMP_STRUCT ts{};
-        EXPECT_TRUE(rs.GetFieldValue("zeit", ts) && ts.hour == 23 && ts.second == 59);
         VntDate vd;
+        EXPECT_EQ(text(rs, "name"), "Stra\xDF" "e");
+        EXPECT_TRUE(rs.GetFieldValue("betrag", amount) && amount == 0.1);
+        EXPECT_TRUE(rs.GetFieldValue("datum", d) && d.year == 1999 && d.month == 12 && d.day == 31);
+        EXPECT_TRUE(rs.GetFieldValue("zeit", ts) && ts.hour == 23 && ts.second == 59);
         EXPECT_TRUE(rs.GetFieldValue(4, vd) && vd.date.day == 31 && vd.time.minute == 59);
-        EXPECT_EQ(text(rs, "zeit"), "1999-12-31 23:59:59");
-        EXPECT_EQ(text(rs, "datum"), "1999-12-31");
+        EXPECT_EQ(text(rs, "zeit") + "|" + text(rs, "datum"), "1999-12-31 23:59:59|1999-12-31");
 
         // Record 1: the umlaut, and a null field.
         rs.MoveFirst();
@@ -195,27 +155,23 @@ TEST_F(Db, RecordSetsReadAndMoveScrollingOrForward) {
     }
     VntRecordset empty(&db_);
     ASSERT_TRUE(empty.Open("SELECT * FROM kunden WHERE id < 0"));
-    EXPECT_TRUE(empty.IsBOF() && empty.IsEOF() && !empty.MoveNext() && !empty.MoveLast() && empty.IsEOF());
-    EXPECT_TRUE(empty.IsFieldNull(0));
-    EXPECT_TRUE(box_.shown.empty());
+    EXPECT_TRUE(empty.IsBOF() && empty.IsEOF() && !empty.MoveNext() && !empty.MoveLast() && empty.IsEOF() &&
+                empty.IsFieldNull(0));
+    EXPECT_TRUE(box.shown.empty());
 }
 
 TEST_F(Db, ConversionsOfFieldValues) {
     ASSERT_TRUE(db_.OpenEx(connect().c_str()));
     ASSERT_TRUE(db_.ExecuteSQL("CREATE TABLE v (n INTEGER PRIMARY KEY, t VARCHAR(40))"));
-    const struct { const char* text; bool isLong; long l; bool isDouble; double d; bool isStamp; const char* stamp; } rows[] = {
-        {"42", true, 42, true, 42, false, ""},
-        {" -7 ", true, -7, true, -7, false, ""},
-        {"10.00", true, 10, true, 10, false, ""},
-        {"1,5", false, 0, true, 1.5, false, ""},
-        {"2.345", false, 0, true, 2.345, false, ""},
-        {"1e3", true, 1000, true, 1000, false, ""},
-        {"abc", false, 0, false, 0, false, ""},
-        {"12abc", false, 0, false, 0, false, ""},
-        {"2024-02-29", false, 0, false, 0, true, "2024-02-29 00:00:00"},
-        {"2024-02-29T13:14:15.5", false, 0, false, 0, true, "2024-02-29 13:14:15.5"},
-        {"2023-02-29", false, 0, false, 0, false, ""},
-        {"13:14", false, 0, false, 0, false, ""},
+    // A text and what it reads as: a long, a double, a time stamp (none: 0).
+    const struct { const char* text; bool isLong; long l; bool isDouble; double d; const char* stamp; } rows[] = {
+        {"42", true, 42, true, 42, nullptr},         {" -7 ", true, -7, true, -7, nullptr},
+        {"10.00", true, 10, true, 10, nullptr},      {"1,5", false, 0, true, 1.5, nullptr},
+        {"2.345", false, 0, true, 2.345, nullptr},   {"1e3", true, 1000, true, 1000, nullptr},
+        {"abc", false, 0, false, 0, nullptr},        {"12abc", false, 0, false, 0, nullptr},
+        {"2024-02-29", false, 0, false, 0, "2024-02-29 00:00:00"},
+        {"2024-02-29T13:14:15.5", false, 0, false, 0, "2024-02-29 13:14:15.5"},
+        {"2023-02-29", false, 0, false, 0, nullptr}, {"13:14", false, 0, false, 0, nullptr},
     };
     for (std::size_t i = 0; i < std::size(rows); ++i)
         ASSERT_TRUE(db_.ExecuteSQL(("INSERT INTO v VALUES (" + std::to_string(i) + ", '" + rows[i].text + "')").c_str()));
@@ -226,12 +182,10 @@ TEST_F(Db, ConversionsOfFieldValues) {
         long l = -1;
         double d = -1;
         tagTIMESTAMP_STRUCT ts{};
-        EXPECT_EQ(rs.GetFieldValue("t", l), r.isLong) << r.text;
-        EXPECT_EQ(l, r.l) << r.text;
-        EXPECT_EQ(rs.GetFieldValue("t", d), r.isDouble) << r.text;
-        EXPECT_EQ(d, r.d) << r.text;
-        EXPECT_EQ(rs.GetFieldValue("t", ts), r.isStamp) << r.text;
-        if (r.isStamp) {
+        EXPECT_TRUE(rs.GetFieldValue("t", l) == r.isLong && l == r.l) << r.text << ": " << l;
+        EXPECT_TRUE(rs.GetFieldValue("t", d) == r.isDouble && d == r.d) << r.text << ": " << d;
+        EXPECT_EQ(rs.GetFieldValue("t", ts), r.stamp != nullptr) << r.text;
+        if (r.stamp) {
             // Through the record set's own text of a time stamp.
             ASSERT_TRUE(rs.Edit() && rs.SetFieldValue("t", ts));
             EXPECT_EQ(text(rs, "t"), r.stamp);
@@ -244,7 +198,7 @@ TEST_F(Db, ConversionsOfFieldValues) {
     EXPECT_TRUE(rs.GetFieldValue("t", t) && t.hour == 13 && t.minute == 14) << "a time from a text";
     VNT_DATE date{};
     EXPECT_FALSE(rs.GetFieldValue("t", date)) << "no date in a time";
-    EXPECT_TRUE(box_.shown.empty());
+    EXPECT_TRUE(box.shown.empty());
 }
 
 TEST_F(Db, ChangesAddsAndDeletes) {
@@ -256,51 +210,45 @@ TEST_F(Db, ChangesAddsAndDeletes) {
         ASSERT_TRUE(rs.CanUpdate());
 
         // Change record 1: a text with umlauts, an amount, a date, a null.
-        ASSERT_TRUE(rs.Edit());
-        EXPECT_EQ(rs.GetEditMode(), VntEditMode::Edit);
+        ASSERT_TRUE(rs.Edit() && rs.GetEditMode() == VntEditMode::Edit);
         const std::string name = options ? "Gr\xF6\xDF" "e" : "\xC4rger";
         EXPECT_TRUE(rs.SetFieldValue("name", name.c_str()) && rs.SetFieldValue("betrag", 12.345) &&
                     rs.SetFieldValue("datum", VNT_DATE{2025, 1, 2}) && rs.SetFieldValue("notiz", "n") &&
                     rs.SetFieldNull("notiz"));
-        ASSERT_TRUE(rs.Update());
-        EXPECT_EQ(rs.GetEditMode(), VntEditMode::None);
+        ASSERT_TRUE(rs.Update() && rs.GetEditMode() == VntEditMode::None);
         EXPECT_EQ(text(rs, "name"), name);
-        rs.MoveNext();
-        rs.MovePrev();
-        EXPECT_EQ(text(rs, "name"), name) << "the changed record shows its new values again";
-        EXPECT_EQ(text(rs, "datum"), "2025-01-02");
+        EXPECT_TRUE(rs.MoveNext() && rs.MovePrev());
+        EXPECT_EQ(text(rs, "name") + "|" + text(rs, "datum"), name + "|2025-01-02")
+            << "the changed record shows its new values again";
         EXPECT_TRUE(rs.IsFieldNull("notiz"));
 
-        // In the database: the text in UTF-8, the amount as a number.
+        // In the database: the text in UTF-8 (umlauts as two bytes), the
+        // amount as a number.
         VntRecordset check(&db_);
-        ASSERT_TRUE(check.Open("SELECT hex(name) AS h, betrag * 1000 AS b, datum, notiz IS NULL AS nul FROM kunden WHERE id = 1"));
-        EXPECT_EQ(text(check, "h"), options ? "4772C3B6C39F65" : "C38472676572");  // umlauts as two bytes
-        EXPECT_EQ(text(check, "b"), "12345");
-        EXPECT_EQ(text(check, "datum"), "2025-01-02");
-        EXPECT_EQ(text(check, "nul"), "1");
+        ASSERT_TRUE(check.Open(
+            "SELECT hex(name) AS h, betrag * 1000 AS b, datum, notiz IS NULL AS nul FROM kunden WHERE id = 1"));
+        EXPECT_EQ(text(check, "h") + "|" + text(check, "b") + "|" + text(check, "datum") + "|" + text(check, "nul"),
+                  std::string(options ? "4772C3B6C39F65" : "C38472676572") + "|12345|2025-01-02|1");
         check.Close();
 
         // Add a record: it appears after Requery; the record before stays current.
         rs.MoveNext();
-        ASSERT_TRUE(rs.AddNew());
-        EXPECT_TRUE(rs.IsFieldNull("name"));
+        ASSERT_TRUE(rs.AddNew() && rs.IsFieldNull("name"));
         EXPECT_TRUE(rs.SetFieldNull("id") && rs.SetFieldValue("name", "Neu") && rs.SetFieldValue("betrag", "7,5"));
         ASSERT_TRUE(rs.Update());
         EXPECT_EQ(id(rs), 2);
 
         // Delete record 2: it stays in place, deleted.
-        ASSERT_TRUE(rs.Delete());
-        EXPECT_TRUE(rs.IsDeleted());
+        ASSERT_TRUE(rs.Delete() && rs.IsDeleted());
         std::string s = "x";
         EXPECT_TRUE(!rs.GetFieldValue("name", s) && s.empty());
         rs.MoveNext();
         EXPECT_TRUE(!rs.IsDeleted() && id(rs) == 3);
         rs.MovePrev();
         EXPECT_TRUE(rs.IsDeleted()) << "visited again";
-        EXPECT_TRUE(box_.shown.empty());
         EXPECT_FALSE(rs.Edit()) << "a deleted record";
-        ASSERT_EQ(box_.shown.size(), 1u);
-        box_.shown.clear();
+        EXPECT_EQ(box.shown.size(), 1u) << "its message, and none before";
+        box.shown.clear();
 
         ASSERT_TRUE(rs.Requery());
         std::vector<long> ids;
@@ -310,32 +258,30 @@ TEST_F(Db, ChangesAddsAndDeletes) {
         ASSERT_TRUE(added.Open("SELECT name, betrag FROM kunden WHERE id > 3"));
         EXPECT_EQ(text(added, "name") + "|" + text(added, "betrag"), "Neu|7.5");
         // Put record 2 back for the next round.
-        ASSERT_TRUE(db_.ExecuteSQL("DELETE FROM kunden WHERE id > 3"));
-        ASSERT_TRUE(db_.ExecuteSQL("INSERT INTO kunden (id, name) VALUES (2, 'Zwei')"));
+        ASSERT_TRUE(db_.ExecuteSQL("DELETE FROM kunden WHERE id > 3") &&
+                    db_.ExecuteSQL("INSERT INTO kunden (id, name) VALUES (2, 'Zwei')"));
     }
 }
 
 TEST_F(Db, WhatCannotBeChangedIsReported) {
     customers();
-    ASSERT_TRUE(db_.ExecuteSQL("CREATE TABLE nokey (a INTEGER, b VARCHAR(10))"));
-    ASSERT_TRUE(db_.ExecuteSQL("INSERT INTO nokey VALUES (1, 'x')"));
-    // Each row: the query, whether Edit and AddNew are allowed, what the box says.
-    const struct { const char* sql; const char* keys; unsigned options; const char* said; } rows[] = {
-        {"nokey", nullptr, 0, "cannot be changed: they come from no single table with a key"},
-        {"SELECT k.id, n.a FROM kunden k, nokey n", nullptr, 0, "cannot be changed"},
-        {"SELECT name FROM kunden", nullptr, 0, "cannot be changed"},  // the key is not among the fields
-        {"kunden", nullptr, VNT_RS_READONLY, "read-only"},
+    ASSERT_TRUE(db_.ExecuteSQL("CREATE TABLE nokey (a INTEGER, b VARCHAR(10))") &&
+                db_.ExecuteSQL("INSERT INTO nokey VALUES (1, 'x')"));
+    // Each row: the query, its options, what the box says to Edit and Delete.
+    const struct { const char* sql; unsigned options; const char* said; } rows[] = {
+        {"nokey", 0, "cannot be changed: they come from no single table with a key"},
+        {"SELECT k.id, n.a FROM kunden k, nokey n", 0, "cannot be changed"},
+        {"SELECT name FROM kunden", 0, "cannot be changed"},  // the key is not among the fields
+        {"kunden", VNT_RS_READONLY, "read-only"},
     };
     for (const auto& r : rows) {
         SCOPED_TRACE(r.sql);
-        box_.shown.clear();
+        box.shown.clear();
         VntRecordset rs(&db_);
-        if (r.keys) rs.SetKeyColumns(r.keys);
         ASSERT_TRUE(rs.Open(r.sql, r.options));
-        EXPECT_FALSE(rs.CanUpdate());
-        EXPECT_FALSE(rs.Edit() || rs.Delete());
-        ASSERT_EQ(box_.shown.size(), 2u);
-        EXPECT_THAT(box_.shown[0].text, HasSubstr(r.said));
+        EXPECT_FALSE(rs.CanUpdate() || rs.Edit() || rs.Delete());
+        ASSERT_EQ(box.shown.size(), 2u);
+        EXPECT_THAT(box.shown[0].text, HasSubstr(r.said));
     }
     // A key named by the caller makes the table without one changeable.
     VntRecordset named(&db_);
@@ -344,48 +290,40 @@ TEST_F(Db, WhatCannotBeChangedIsReported) {
     ASSERT_TRUE(named.Edit() && named.SetFieldValue("b", "y") && named.Update());
 
     // Misuse: fields outside Edit, unknown fields, values that do not fit.
-    box_.shown.clear();
+    box.shown.clear();
     VntRecordset rs(&db_);
     ASSERT_TRUE(rs.Open("kunden"));
     long l = 5;
-    EXPECT_FALSE(rs.SetFieldValue("name", "x"));
-    EXPECT_FALSE(rs.GetFieldValue("nix", l));
+    EXPECT_FALSE(rs.SetFieldValue("name", "x") || rs.GetFieldValue("nix", l) || rs.Update());
     EXPECT_EQ(l, 0);
-    EXPECT_FALSE(rs.Update());
     ASSERT_TRUE(rs.Edit());
-    EXPECT_FALSE(rs.SetFieldValue("id", "zehn"));
-    EXPECT_FALSE(rs.SetFieldValue("datum", 3.5));
-    EXPECT_FALSE(rs.SetFieldValue(99, 1L));
-    ASSERT_EQ(box_.shown.size(), 6u);
-    for (const char* said : {"without Edit or AddNew", "no field \"nix\"", "Update without Edit", "\"zehn\" does not suit",
-                             "\"3.5\" does not suit the field \"datum\"", "no field 99"})
-        EXPECT_TRUE(std::any_of(box_.shown.begin(), box_.shown.end(),
-                                [&](const VntBoxModel& b) { return b.text.find(said) != std::string::npos; }))
-            << said;
+    EXPECT_FALSE(rs.SetFieldValue("id", "zehn") || rs.SetFieldValue("datum", 3.5) || rs.SetFieldValue(99, 1L));
+    ASSERT_EQ(box.shown.size(), 6u);
+    for (const char* s : {"without Edit or AddNew", "no field \"nix\"", "Update without Edit", "\"zehn\" does not suit",
+                          "\"3.5\" does not suit the field \"datum\"", "no field 99"})
+        EXPECT_TRUE(std::any_of(box.shown.begin(), box.shown.end(), [&](auto& b) { return b.text.find(s) != b.text.npos; }))
+            << s;
 
     // The record vanished behind the record set's back: nothing is changed.
     rs.CancelUpdate();
-    box_.shown.clear();
+    box.shown.clear();
     ASSERT_TRUE(db_.ExecuteSQL("DELETE FROM kunden WHERE id = 1"));
     ASSERT_TRUE(rs.Edit() && rs.SetFieldValue("name", "weg"));
     EXPECT_FALSE(rs.Update());
     EXPECT_EQ(rs.GetEditMode(), VntEditMode::Edit) << "the changes are still pending";
     EXPECT_FALSE(rs.Delete());
-    ASSERT_EQ(box_.shown.size(), 2u);
-    EXPECT_THAT(box_.shown[0].text, HasSubstr("The record in \"kunden\" was not changed: 0 records"));
+    ASSERT_EQ(box.shown.size(), 2u);
+    EXPECT_THAT(box.shown[0].text, HasSubstr("The record in \"kunden\" was not changed: 0 records"));
 
     // A bad query; a database closed under its record sets.
-    box_.shown.clear();
+    box.shown.clear();
     VntRecordset bad(&db_);
-    EXPECT_FALSE(bad.Open("SELECT * FROM fehlt"));
-    EXPECT_FALSE(bad.IsOpen());
-    ASSERT_EQ(box_.shown.size(), 1u);
-    EXPECT_THAT(box_.shown[0].text, AllOf(HasSubstr("SELECT * FROM fehlt"), HasSubstr("SQLSTATE HY000"),
-                                          HasSubstr("no such table")));
+    EXPECT_FALSE(bad.Open("SELECT * FROM fehlt") || bad.IsOpen());
+    ASSERT_EQ(box.shown.size(), 1u);
+    EXPECT_THAT(lastBox(), AllOf(HasSubstr("SELECT * FROM fehlt"), HasSubstr("SQLSTATE HY000"), HasSubstr("no such table")));
     db_.Close();
-    EXPECT_FALSE(rs.IsOpen() || named.IsOpen());
-    EXPECT_FALSE(bad.Open("kunden"));
-    EXPECT_THAT(box_.shown.back().text, HasSubstr("without an open database"));
+    EXPECT_FALSE(rs.IsOpen() || named.IsOpen() || bad.Open("kunden"));
+    EXPECT_THAT(lastBox(), HasSubstr("without an open database"));
 }
 
 }  // namespace

@@ -2,65 +2,24 @@
 // their consistency reports, counting and naming the clients, appending,
 // replacing and removing them, and the file written back, compared as a
 // whole, with the question when another program changed it meanwhile.
-#include <gmock/gmock.h>
+#include "conn_fixture.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <random>
-#include <string>
-#include <vector>
-
-#include "support.h"
-#include "vanto/dsn.h"
-#include "vanto/lfn.h"
-#include "vanto/msg.h"
-#include "vanto/ui/msgbox.h"
-#include "vtmtool/vtm_writer.h"
 
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 
 namespace {
 
-class Dsn : public ::testing::Test {
+class Dsn : public vnt::test::Site<> {
 protected:
     void SetUp() override {
-        vnt::test::resetAll();
-        dir_ = fs::temp_directory_path() / ("vanto_dsn_" + std::to_string(std::random_device{}()));
-        fs::create_directories(dir_ / "INI");
-        ASSERT_TRUE(Vnt_LfnVolMap('T', dir_.c_str()));
-        VNT_PATH prog;
-        ASSERT_TRUE(Vnt_LfnFromHost(prog, (dir_ / "Fibu").c_str()));
-        vnt::host::setProgramFile(prog);
-        Vnt_UiSetPresenter(&box_);
-        VNT_PATH sys;
-        ASSERT_TRUE(Vnt_LfnFromHost(sys, VANTO_SYSLIB_EN) && Vnt_MsgItfInit(nullptr, 0, sys));
+        Site::SetUp();
         app({"DsnPathSpec=Database", "DsnDBFileName=vanto.db", "DsnIsFile=1"});
     }
-    void TearDown() override {
-        vnt::test::resetAll();
-        Vnt_MsgItfTerm();
-        Vnt_UiSetPresenter(nullptr);
-        vnt::host::setProgramFile("");
-        fs::remove_all(dir_);
-    }
-    // The application file's settings section; the registry reads it anew.
-    void app(const std::vector<std::string>& settings) {
-        vnt::test::writeAppSettings(dir_, settings);
-    }
-    void put(const std::string& text, const std::string& name = "INI/dsn.ini") {
-        fs::create_directories((dir_ / name).parent_path());
-        std::ofstream(dir_ / name, std::ios::binary) << text;
-    }
-    std::string get(const std::string& name = "INI/dsn.ini") const {
-        std::ifstream in(dir_ / name, std::ios::binary);
-        return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "(missing)";
-    }
-    // Makes the file older, as if it had been loaded long ago.
+    void list(const std::string& text) { put("INI/dsn.ini", text); }
+    // Makes the list older, as if it had been loaded long ago.
     void age(int hours) {
         const fs::path f = dir_ / "INI" / "dsn.ini";
         fs::last_write_time(f, fs::last_write_time(f) - std::chrono::hours(hours));
@@ -70,17 +29,14 @@ protected:
         for (int i = 0; i < d.Count(); ++i) s += std::string(d.Entry(i)->name) + "=" + d.Entry(i)->path + ";";
         return s;
     }
-
-    fs::path dir_;
-    VntScriptedPresenter box_;
 };
 
 TEST_F(Dsn, MissingListAndTheSettingsReadOnce) {
     DsnIni d;
     EXPECT_EQ(DsnIni::LiveCount(), 1);
     EXPECT_FALSE(d.LoadSettings());
-    ASSERT_EQ(box_.shown.size(), 1u);
-    EXPECT_THAT(box_.shown[0].text, HasSubstr("The client list \"T:\\INI\\dsn.ini\" was not found."));
+    ASSERT_EQ(box.shown.size(), 1u);
+    EXPECT_THAT(lastBox(), HasSubstr("The client list \"T:\\INI\\dsn.ini\" was not found."));
     EXPECT_TRUE(d.LoadEntries() && d.Count() == 0) << "no file: an empty list";
 
     // The consistency of "DsnIsFile" and "DsnDBFileName", reported once.
@@ -89,23 +45,21 @@ TEST_F(Dsn, MissingListAndTheSettingsReadOnce) {
         {{"DsnIsFile=0", "DsnDBFileName=x.db"}, "isFile == false, but dbFile is not empty."},
         {{"DsnIsFile=0"}, nullptr},
     };
-    put("[Settings]\r\n");
+    list("[Settings]\r\n");
     for (const auto& r : rows) {
         app(r.settings);
-        box_.shown.clear();
+        box.shown.clear();
         DsnIni a, b;
         EXPECT_TRUE(a.LoadSettings() && b.LoadSettings());
-        ASSERT_EQ(box_.shown.size(), r.report ? 1u : 0u);
+        ASSERT_EQ(box.shown.size(), r.report ? 1u : 0u);
         if (r.report) {
-            EXPECT_THAT(box_.shown[0].text, HasSubstr(r.report));
+            EXPECT_THAT(lastBox(), HasSubstr(r.report));
         }
-        EXPECT_EQ(std::string(DsnIni::PathSpec()), "DBQ");
-        EXPECT_EQ(std::string(a.DefaultDriver()), "Microsoft Access Driver (*.mdb)");
+        EXPECT_EQ(std::string(DsnIni::PathSpec()) + "|" + a.DefaultDriver(), "DBQ|Microsoft Access Driver (*.mdb)");
     }
     // The filter serves as description and pattern of a file dialog.
     const char* f = DsnIni::FileFilter();
-    EXPECT_EQ(std::string(f, 24), std::string("*.dat;*.mdb\0*.dat;*.mdb\0", 24));
-    EXPECT_EQ(f[24], '\0');
+    EXPECT_EQ(std::string(f, 25), std::string("*.dat;*.mdb\0*.dat;*.mdb\0\0", 25));
     const std::string longFilter(130, 'x');
     app({"DsnFileFilter=" + longFilter});
     EXPECT_EQ(std::string(DsnIni::FileFilter()), longFilter);
@@ -130,41 +84,39 @@ TEST_F(Dsn, ClientsCountedAndNamedByTheirKeys) {
          "Stern=T:\\d;n=T:\\s;T:\\s=T:\\s;T:\\p=T:\\p;T:\\q=T:\\q;"},
     };
     for (const auto& r : rows) {
-        put(r.file);
+        list(r.file);
         DsnIni d;
         ASSERT_TRUE(d.LoadSettings() && d.LoadEntries()) << r.name;
         EXPECT_EQ(names(d), r.clients) << r.name;
         EXPECT_EQ(d.Count(), static_cast<int>(std::count(r.clients, r.clients + std::strlen(r.clients), ';')));
     }
     // FindEntry reads the file: any case, numbers from 1.
-    put("[Settings]\r\n[Dsn1]\r\n*=M\xFCller\r\n[Dsn2]\r\nDBQ=T:\\x\r\n[Dsn4]\r\n*=Fern\r\n");
+    list("[Settings]\r\n[Dsn1]\r\n*=M\xFCller\r\n[Dsn2]\r\nDBQ=T:\\x\r\n[Dsn4]\r\n*=Fern\r\n");
     DsnIni d;
     EXPECT_EQ(d.FindEntry("M\xDCLLER"), 1);
     EXPECT_EQ(d.FindEntry("t:\\X"), 2);
     EXPECT_EQ(d.FindEntry("Fern"), 0) << "behind a gap";
     EXPECT_EQ(d.FindEntry(nullptr), 0);
-    EXPECT_TRUE(box_.shown.empty());
+    EXPECT_TRUE(box.shown.empty());
 }
 
 TEST_F(Dsn, ClientOfAFileWrittenBackWithItsDirectory) {
-    put("", "m1/kunde.mdb");
-    put("[Settings]\r\nDefaultDriver=SQLite3\r\nCount=1\r\n\r\n[Dsn1]\r\nDBQ=T:\\m1\\kunde.mdb\r\nUID=anna\r\n");
-    DsnIni d(&box_);  // owned: the entries come with the settings
+    put("m1/kunde.mdb", "");
+    list("[Settings]\r\nDefaultDriver=SQLite3\r\nCount=1\r\n\r\n[Dsn1]\r\nDBQ=T:\\m1\\kunde.mdb\r\nUID=anna\r\n");
+    DsnIni d(&box);  // owned: the entries come with the settings
     ASSERT_TRUE(d.LoadSettings() && d.HasEntries());
-    EXPECT_EQ(std::string(d.DefaultDriver()), "SQLite3");
+    EXPECT_STREQ(d.DefaultDriver(), "SQLite3");
     EXPECT_EQ(names(d), "T:\\m1\\kunde.mdb=T:\\m1;");
-    EXPECT_EQ(std::string(d.Entry(0)->section), "DBQ=T:\\m1\\kunde.mdb\nUID=anna\n");
+    EXPECT_STREQ(d.Entry(0)->section, "DBQ=T:\\m1\\kunde.mdb\nUID=anna\n");
     EXPECT_TRUE(d.WriteEntries() && get().find("DtaPth") == std::string::npos) << "unchanged: nothing written";
 
     ASSERT_EQ(d.AppendEntry("Neu", "T:\\m2", -1, false), 1);
     EXPECT_TRUE(d.IsModified());
     ASSERT_TRUE(d.WriteEntries());
-    EXPECT_EQ(get(),
-              "[Settings]\r\nDefaultDriver=SQLite3\r\nCount=2\r\n\r\n"
-              "[Dsn1]\r\nUID=anna\r\nDtaPth=T:\\m1\r\n"
-              "[Dsn2]\r\n*=Neu\r\nDtaPth=T:\\m2\r\n");
+    EXPECT_EQ(get(), "[Settings]\r\nDefaultDriver=SQLite3\r\nCount=2\r\n\r\n[Dsn1]\r\nUID=anna\r\nDtaPth=T:\\m1\r\n"
+                     "[Dsn2]\r\n*=Neu\r\nDtaPth=T:\\m2\r\n");
     EXPECT_FALSE(d.IsModified());
-    EXPECT_TRUE(box_.shown.empty());
+    EXPECT_TRUE(box.shown.empty());
     // Read again: the client keeps its directory, and shows it as its name.
     DsnIni again;
     ASSERT_TRUE(again.LoadSettings() && again.LoadEntries());
@@ -172,13 +124,9 @@ TEST_F(Dsn, ClientOfAFileWrittenBackWithItsDirectory) {
 }
 
 TEST_F(Dsn, AppendReplaceRemoveAndWrite) {
-    const std::string file =
-        "[Settings]\r\nCount=3\r\n; clients\r\n"
-        "[Dsn1]\r\n*=Alpha\r\nDatapath=T:\\a\r\nDriver=SQLite3\r\n"
-        "[Dsn2]\r\n*=T:\\b\r\nDtaPth=T:\\b\r\n"
-        "[Dsn3]\r\nDSN=Gamma\r\nDBQ=T:\\g\r\n"
-        "[Dsn4]\r\n*=Stale\r\n";
-    put(file);
+    const std::string file = "[Settings]\r\nCount=3\r\n; clients\r\n[Dsn1]\r\n*=Alpha\r\nDatapath=T:\\a\r\nDriver=SQLite3\r\n"
+                             "[Dsn2]\r\n*=T:\\b\r\nDtaPth=T:\\b\r\n[Dsn3]\r\nDSN=Gamma\r\nDBQ=T:\\g\r\n[Dsn4]\r\n*=Stale\r\n";
+    list(file);
     DsnIni d;
     ASSERT_TRUE(d.LoadSettings() && d.LoadEntries());
     EXPECT_EQ(d.CountSections(), 4);
@@ -186,9 +134,9 @@ TEST_F(Dsn, AppendReplaceRemoveAndWrite) {
     // Without the replace flag an existing name or path is an internal error.
     EXPECT_EQ(d.AppendEntry("ALPHA", "T:\\neu"), -1);
     EXPECT_EQ(d.AppendEntry("Neu", "t:\\B"), -1);
-    ASSERT_EQ(box_.shown.size(), 2u);
-    EXPECT_THAT(box_.shown[0].text, HasSubstr("code 3"));
-    EXPECT_THAT(box_.shown[1].text, HasSubstr("code 4"));
+    ASSERT_EQ(box.shown.size(), 2u);
+    EXPECT_THAT(box.shown[0].text, HasSubstr("code 3"));
+    EXPECT_THAT(box.shown[1].text, HasSubstr("code 4"));
     EXPECT_TRUE(!d.IsModified() && d.WriteEntries() && get() == file) << "the file stays as it was";
     // Replacing changes name and path only, and is not marked.
     EXPECT_EQ(d.AppendEntry("Beta", "T:\\b", -1, true), 1);
@@ -201,12 +149,9 @@ TEST_F(Dsn, AppendReplaceRemoveAndWrite) {
     EXPECT_EQ(d.RemoveEntry(), 2) << "the last: the index of the new last";
     EXPECT_EQ(d.RemoveEntry(7), -1);
     ASSERT_TRUE(d.WriteEntries());
-    EXPECT_EQ(get(),
-              "[Settings]\r\nCount=3\r\n; clients\r\n"
-              "[Dsn1]\r\nDtaPth=T:\\z\r\n"
-              "[Dsn2]\r\n*=Alpha\r\nDriver=SQLite3\r\nDtaPth=T:\\a\r\n"
-              "[Dsn3]\r\nDSN=Gamma\r\n*=Gamma\r\nDtaPth=T:\\g\r\n");
-    EXPECT_EQ(box_.shown.size(), 2u) << "no question: the file was not changed by others";
+    EXPECT_EQ(get(), "[Settings]\r\nCount=3\r\n; clients\r\n[Dsn1]\r\nDtaPth=T:\\z\r\n"
+                     "[Dsn2]\r\n*=Alpha\r\nDriver=SQLite3\r\nDtaPth=T:\\a\r\n[Dsn3]\r\nDSN=Gamma\r\n*=Gamma\r\nDtaPth=T:\\g\r\n");
+    EXPECT_EQ(box.shown.size(), 2u) << "no question: the file was not changed by others";
 
     DsnIni none;
     EXPECT_EQ(none.AppendEntry("x", "y"), -1) << "before the entries are loaded";
@@ -217,52 +162,47 @@ TEST_F(Dsn, AppendReplaceRemoveAndWrite) {
 TEST_F(Dsn, ChangedOnDiskAsksBeforeWriting) {
     const std::string mine = "[Settings]\r\nCount=1\r\n[Dsn1]\r\n*=A\r\nDtaPth=T:\\a\r\n";
     const std::string theirs = "[Settings]\r\nCount=1\r\n[Dsn1]\r\n*=Fremd\r\nDtaPth=T:\\f\r\n";
-    const struct { int button; bool result; bool written; } rows[] = {
-        {VNT_BTN_CANCEL, false, false},
-        {VNT_BTN_NO, true, false},
-        {VNT_BTN_YES, true, true},
-    };
+    const std::string both = "[Settings]\r\nCount=2\r\n[Dsn1]\r\n*=A\r\nDtaPth=T:\\a\r\n[Dsn2]\r\n*=B\r\nDtaPth=T:\\b\r\n";
+    const struct { int button; bool result; const std::string& file; } rows[] = {
+        {VNT_BTN_CANCEL, false, theirs}, {VNT_BTN_NO, true, theirs}, {VNT_BTN_YES, true, both}};
     for (const auto& r : rows) {
         SCOPED_TRACE(r.button);
-        put(mine);
+        list(mine);
         age(3);
         DsnIni d;
         ASSERT_TRUE(d.LoadSettings() && d.LoadEntries());
-        put(theirs);  // another program, now
+        list(theirs);  // another program, now
         ASSERT_EQ(d.AppendEntry("B", "T:\\b"), 1);
-        box_.shown.clear();
-        box_.answers = {{r.button, false}};
+        box.shown.clear();
+        box.answers = {{r.button, false}};
         EXPECT_EQ(d.WriteEntries(), r.result);
-        ASSERT_EQ(box_.shown.size(), 1u);
-        EXPECT_THAT(box_.shown[0].text, HasSubstr("T:\\INI\\dsn.ini\" was changed by another program"));
-        EXPECT_EQ(get(), r.written ? "[Settings]\r\nCount=2\r\n[Dsn1]\r\n*=A\r\nDtaPth=T:\\a\r\n[Dsn2]\r\n*=B\r\nDtaPth=T:\\b\r\n"
-                                   : theirs);
+        ASSERT_EQ(box.shown.size(), 1u);
+        EXPECT_THAT(lastBox(), HasSubstr("T:\\INI\\dsn.ini\" was changed by another program"));
+        EXPECT_EQ(get(), r.file);
     }
 }
 
 TEST_F(Dsn, PathsOfDatabaseFiles) {
-    put("", "d/kunde.db");
+    put("d/kunde.db", "");
     fs::create_directories(dir_ / "leer");
     VNT_PATH file, dataDir;
-    // With "DsnIsFile" and "DsnDBFileName" = vanto.db.
-    const struct { const char* path; const char* file; const char* dir; } rows[] = {
-        {"T:\\d\\kunde.db", "T:\\d\\kunde.db", "T:\\d"},
-        {"T:\\leer", "T:\\leer\\vanto.db", "T:\\leer"},
-        {"T:\\neu", "T:\\neu\\vanto.db", "T:\\neu"},
-    };
-    for (const auto& r : rows) {
-        ASSERT_TRUE(DsnIni::ResolvePath(r.path, &file, &dataDir));
-        EXPECT_EQ(std::string(file) + "|" + dataDir, std::string(r.file) + "|" + r.dir);
+    // With "DsnIsFile" and "DsnDBFileName" = vanto.db: the file and its directory.
+    for (const auto& [path, both] : std::vector<std::pair<const char*, const char*>>{
+             {"T:\\d\\kunde.db", "T:\\d\\kunde.db|T:\\d"},
+             {"T:\\leer", "T:\\leer\\vanto.db|T:\\leer"},
+             {"T:\\neu", "T:\\neu\\vanto.db|T:\\neu"}}) {
+        ASSERT_TRUE(DsnIni::ResolvePath(path, &file, &dataDir));
+        EXPECT_EQ(std::string(file) + "|" + dataDir, both);
     }
     EXPECT_FALSE(DsnIni::ResolvePath("", &file, nullptr));
     app({"DsnIsFile=0"});
     ASSERT_TRUE(DsnIni::ResolvePath("T:\\d\\kunde.db", &file, &dataDir));
     EXPECT_EQ(std::string(file) + "|" + dataDir, "T:\\d\\kunde.db|T:\\d\\kunde.db") << "the path as it is";
     app({});
-    box_.shown.clear();
+    box.shown.clear();
     ASSERT_TRUE(DsnIni::ResolvePath("T:\\leer", &file, nullptr));
-    EXPECT_EQ(std::string(file), "T:\\leer") << "no file name: the path itself";
-    EXPECT_EQ(box_.shown.size(), 1u) << "the inconsistency, reported when read";
+    EXPECT_STREQ(file, "T:\\leer") << "no file name: the path itself";
+    EXPECT_EQ(box.shown.size(), 1u) << "the inconsistency, reported when read";
 }
 
 }  // namespace
