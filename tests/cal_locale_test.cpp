@@ -129,9 +129,8 @@ TEST_F(Locale, ReadingDates) {
         use(r.shortDate);
         VNT_DATE d{};
         const char* end = nullptr;
-        const bool result = Vnt_SysDateFromStr(d, r.in, &end);
-        EXPECT_EQ(std::to_string(d.year) + "-" + std::to_string(d.month) + "-" + std::to_string(d.day) + " " +
-                      std::to_string(result),
+        const std::string result = Vnt_SysDateFromStr(d, r.in, &end) ? " 1" : " 0";
+        EXPECT_EQ(std::to_string(d.year) + "-" + std::to_string(d.month) + "-" + std::to_string(d.day) + result,
                   r.expected) << r.shortDate << " '" << r.in << "'";
         EXPECT_STREQ(end, r.rest) << r.in;
     }
@@ -183,20 +182,15 @@ TEST_F(Locale, GermanAndAmericanRecords) {
 class HostIntl : public ::testing::Test {
 protected:
     void SetUp() override {
-        for (const char* v : kVars) {
-            const char* old = std::getenv(v);
-            saved_.push_back(old ? std::optional<std::string>(old) : std::nullopt);
-            unsetenv(v);
-        }
+        for (const char* v : kVars)
+            saved_.push_back(std::getenv(v) ? std::optional<std::string>(std::getenv(v)) : std::nullopt);
+        for (const char* v : kVars) unsetenv(v);
     }
     void TearDown() override {
         for (std::size_t i = 0; i < saved_.size(); ++i)
             saved_[i] ? setenv(kVars[i], saved_[i]->c_str(), 1) : unsetenv(kVars[i]);
     }
-    static std::string value(const char* key) {
-        std::string v;
-        return vnt::host::intlValue(key, v) ? v : "<none>";
-    }
+    static std::string value(const char* key) { std::string v; return vnt::host::intlValue(key, v) ? v : "<none>"; }
     static std::string values(std::initializer_list<const char*> keys) {
         std::string all;
         for (const char* key : keys) all += value(key) + "|";
