@@ -1,7 +1,5 @@
-// The application's start and end: what the init records and starts with
-// and without a module table, its failures, the version record of a
-// compiled application library, the hard exit, and the frame's utilities
-// (busy cursor, delays, keyboard state, prefix ranges).
+// The application's start and end with and without a module table, its
+// failures, the version record, the hard exit, and the frame's utilities.
 #include <gtest/gtest.h>
 
 #include "support.h"
@@ -12,6 +10,7 @@
 #include <fstream>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "vanto/app.h"
@@ -19,9 +18,9 @@
 #include "vanto/ui/msgbox.h"
 #include "vanto/ui/window.h"
 #include "vanto/vtm.h"
-#include "vtmtool/vtm_writer.h"
 
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 
 namespace {
 
@@ -36,6 +35,7 @@ std::string lib(const fs::path& p) {
 }
 
 const char* const kAppMsg = "segment APPMSG\n1 \"Hallo\"\n";
+const char* const kTable = "12 Kasse.dll Kasse KasseMain 0";
 
 class AppLifecycle : public ::testing::Test {
 protected:
@@ -44,6 +44,7 @@ protected:
         dir_ = fs::temp_directory_path() / ("vanto_applife_" + std::to_string(std::random_device{}()));
         fs::create_directories(dir_ / "sub");
         fs::copy_file(VANTO_SYSLIB_EN, dir_ / "VNT60LIB.VTM");
+        old_ = Vnt_UiSetPresenter(&box);
         fresh();
     }
     void TearDown() override {
@@ -59,7 +60,6 @@ protected:
         vnt::test::resetAll();
         vnt::host::setProgramFile(lib(dir_ / "Fibu.exe"));
         ASSERT_TRUE(vnt::host::setCurDir(lib(dir_)));
-        old_ = Vnt_UiSetPresenter(&box);
         box.shown.clear();
         g_edInits = g_edTerms = 0;
         g_edAnswer = true;
@@ -72,15 +72,8 @@ protected:
                                 (dir_ / "Fibu.vtm").string() + "'";
         ASSERT_EQ(std::system(cmd.c_str()), 0) << cmd;
     }
-    // INI\Modules.vtm, one message a line.
-    void moduleTable(const std::vector<std::string>& lines) const {
-        vnt::test::writeIniLibrary(dir_, "Modules.vtm", lines);
-    }
-    static bool interfaceStarted() {
-        if (!Vnt_MsgItfInit(nullptr, 0)) return true;
-        Vnt_MsgItfTerm();
-        return false;
-    }
+    // Whether the message interface runs (a probe start is ended again).
+    static bool interfaceStarted() { return !Vnt_MsgItfInit(nullptr, 0) || (Vnt_MsgItfTerm(), false); }
 
     VntScriptedPresenter box;
     VntMsgPresenter* old_ = nullptr;
@@ -91,13 +84,16 @@ protected:
 TEST_F(AppLifecycle, WithoutModuleTableOnlyTheMessageLibraryOpens) {
     appLibrary(kAppMsg);
     ASSERT_TRUE(Vnt_AppMainInit("--ignored"));
-    EXPECT_EQ(Vnt_AppProgDir(), lib(dir_));
-    EXPECT_STREQ(Vnt_AppProgName(), "Fibu.exe");
-    EXPECT_STREQ(Vnt_AppProgBaseName(), "Fibu");
-    EXPECT_EQ(Vnt_AppStartDir(), lib(dir_));
+    EXPECT_EQ(std::tuple(Vnt_AppProgDir(), Vnt_AppProgName(), Vnt_AppProgBaseName(), Vnt_AppStartDir()),
+              std::tuple(lib(dir_), std::string("Fibu.exe"), std::string("Fibu"), lib(dir_)));
     EXPECT_STREQ(Vnt_AppMsgLoad(1), "Hallo");
     EXPECT_EQ(g_edInits, 0);
     EXPECT_FALSE(interfaceStarted());
+    // Without "APPVER" the version record is empty, its texts too.
+    const VNT_APP_VER* v = Vnt_AppVerInfo();
+    EXPECT_TRUE(v->nMajor == 0 && v->nMinor == 0 && v->nVersion == 0 && !v->szEntry7[0] && !v->szEntry9[0]);
+    ASSERT_TRUE(v->pszText1 && v->pszText2);
+    EXPECT_TRUE(!*v->pszText1 && !*v->pszText2);
     // The end does nothing at all: even the message library stays open.
     Vnt_AppMainTerm();
     EXPECT_EQ(g_edTerms, 0);
@@ -115,7 +111,7 @@ TEST_F(AppLifecycle, WithoutModuleTableOnlyTheMessageLibraryOpens) {
 
 TEST_F(AppLifecycle, WithModuleTableTheServicesStartOnce) {
     appLibrary(kAppMsg);
-    moduleTable({"12 Kasse.dll Kasse KasseMain 0"});
+    vnt::test::writeIniLibrary(dir_, "Modules.vtm", {kTable});
     ASSERT_TRUE(Vnt_AppMainInit());
     EXPECT_TRUE(vnt::app::moduleTableLoaded());
     EXPECT_TRUE(g_edInits == 1 && interfaceStarted());
@@ -123,10 +119,7 @@ TEST_F(AppLifecycle, WithModuleTableTheServicesStartOnce) {
     ASSERT_TRUE(vnt::host::setCurDir(lib(dir_ / "sub")));
     vnt::host::setProgramFile(lib(dir_ / "Other.exe"));
     EXPECT_TRUE(Vnt_AppMainInit());
-    EXPECT_EQ(Vnt_AppStartDir(), lib(dir_));
-    EXPECT_STREQ(Vnt_AppProgName(), "Fibu.exe");
-    EXPECT_EQ(g_edInits, 1);
-
+    EXPECT_EQ(std::tuple(Vnt_AppStartDir(), Vnt_AppProgName(), g_edInits), std::tuple(lib(dir_), "Fibu.exe"s, 1));
     Vnt_AppMainTerm();
     EXPECT_EQ(g_edTerms, 1);
     EXPECT_FALSE(interfaceStarted());
@@ -138,20 +131,15 @@ TEST_F(AppLifecycle, WithModuleTableTheServicesStartOnce) {
 TEST_F(AppLifecycle, InitFailures) {
     // Only the missing library is reported (by the message system).
     struct Row { const char* name; bool appLib, edAnswer, interfaceFirst; int edInits; std::size_t boxes; };
-    const Row rows[] = {
-        {"no application library", false, true, false, 0, 1},
-        {"the edit control refuses", true, false, false, 1, 0},
-        {"the message interface runs already", true, true, true, 0, 0},
-    };
-    for (const Row& r : rows) {
+    for (const Row& r : {Row{"no application library", false, true, false, 0, 1},
+                         {"the edit control refuses", true, false, false, 1, 0},
+                         {"the message interface runs already", true, true, true, 0, 0}}) {
         fresh();
         fs::remove(dir_ / "Fibu.vtm");
         if (r.appLib) appLibrary(kAppMsg);
-        moduleTable({"12 Kasse.dll Kasse KasseMain 0"});
+        vnt::test::writeIniLibrary(dir_, "Modules.vtm", {kTable});
         g_edAnswer = r.edAnswer;
-        if (r.interfaceFirst) {
-            ASSERT_TRUE(Vnt_MsgItfInit(nullptr, 0));
-        }
+        ASSERT_TRUE(!r.interfaceFirst || Vnt_MsgItfInit(nullptr, 0));
         EXPECT_FALSE(Vnt_AppMainInit()) << r.name;
         EXPECT_EQ(g_edInits, r.edInits) << r.name;
         EXPECT_EQ(box.shown.size(), r.boxes) << r.name;
@@ -166,22 +154,9 @@ TEST_F(AppLifecycle, VersionRecordFromTheApplicationLibrary) {
     const VNT_APP_VER* v = Vnt_AppVerInfo();
     EXPECT_EQ(std::vector<int>({v->nMajor, v->nMinor, v->nVersion, v->nEntry5, v->nEntry6}),
               std::vector<int>({6, 7, 607, 17, -3}));
-    EXPECT_EQ(std::string(v->pszText1), text1.substr(0, 127));
-    EXPECT_STREQ(v->pszText2, "Finanzbuchhaltung");
-    EXPECT_STREQ(v->szEntry7, "ENU");
-    EXPECT_STREQ(v->szEntry8, "B");
-    EXPECT_STREQ(v->szEntry9, "12345");
+    EXPECT_EQ(std::tuple(v->pszText1, v->pszText2, v->szEntry7, v->szEntry8, v->szEntry9),
+              std::tuple(text1.substr(0, 127), "Finanzbuchhaltung"s, "ENU"s, "B"s, "12345"s));
     EXPECT_EQ(Vnt_AppVerInfo(), v);
-    EXPECT_TRUE(box.shown.empty());
-}
-
-TEST_F(AppLifecycle, VersionRecordWithoutVersionSection) {
-    appLibrary(kAppMsg);
-    ASSERT_TRUE(Vnt_AppMainInit());
-    const VNT_APP_VER* v = Vnt_AppVerInfo();
-    EXPECT_TRUE(v->nMajor == 0 && v->nMinor == 0 && v->nVersion == 0 && !v->szEntry7[0] && !v->szEntry9[0]);
-    ASSERT_TRUE(v->pszText1 && v->pszText2);
-    EXPECT_TRUE(!*v->pszText1 && !*v->pszText2);
     EXPECT_TRUE(box.shown.empty());
 }
 
@@ -226,31 +201,24 @@ protected:
         void BusyCursor(bool on) override { cursor += on ? "+" : "-"; }
         std::string cursor;
     };
-    void SetUp() override {
-        vnt::test::resetAll();
-        Vnt_UiSetWindow(&win);
-    }
-    void TearDown() override {
-        Vnt_UiSetWindow(nullptr);
-        vnt::test::resetAll();
-    }
+    void SetUp() override { vnt::test::resetAll(), Vnt_UiSetWindow(&win); }
+    void TearDown() override { Vnt_UiSetWindow(nullptr), vnt::test::resetAll(); }
     Windows win;
 };
 
-TEST_F(AppUtilities, BusyHasNoNesting) {
+TEST_F(AppUtilities, BusyHasNoNestingAndKeyStateTakesTheModifierBits) {
     Vnt_Unbusy();  // not busy: nothing shown
     Vnt_Busy(), Vnt_Busy(), Vnt_Unbusy(), Vnt_Unbusy();
     EXPECT_EQ(win.cursor, "++-");
+    for (int keys : {0, 1, 3, 6, 7, 0xFF}) {
+        win.keys = keys;
+        EXPECT_EQ(int(Vnt_KeyState()), keys & 7) << keys;
+    }
 }
 
 TEST_F(AppUtilities, DelayServesPostedMessagesWithoutSpinning) {
     struct Row { const char* name; bool serve; unsigned long ms; int delivered; };
-    const Row rows[] = {
-        {"no delay", true, 0, 0},
-        {"delay", true, 120, 3},
-        {"wait", false, 60, 0},
-    };
-    for (const Row& r : rows) {
+    for (const Row& r : {Row{"no delay", true, 0, 0}, {"delay", true, 120, 3}, {"wait", false, 60, 0}}) {
         int delivered = 0;
         VNT_HWND w = win.CreateFake("w", [&](VNT_HWND self, unsigned, uintptr_t, intptr_t) {
             if (++delivered < 3) win.Post(self, 0x400, 0, 0);  // each on a later pass
@@ -264,36 +232,24 @@ TEST_F(AppUtilities, DelayServesPostedMessagesWithoutSpinning) {
         const std::int64_t took = vnt::host::tickMs() - t0;
         EXPECT_GE(took, std::int64_t(r.ms)) << r.name;
         EXPECT_EQ(delivered, r.delivered) << r.name;
-        if (r.ms) {
-            EXPECT_LT(cpuMs, double(took) / 2) << r.name << ": the wait should sleep";
-        }
+        EXPECT_TRUE(!r.ms || cpuMs < double(took) / 2) << r.name << ": the wait should sleep, " << cpuMs << " ms busy";
         win.Clear();
-    }
-}
-
-TEST_F(AppUtilities, KeyStateTakesTheModifierBits) {
-    for (int keys : {0, 1, 3, 6, 7, 0xFF}) {
-        win.keys = keys;
-        EXPECT_EQ(int(Vnt_KeyState()), keys & 7) << keys;
     }
 }
 
 TEST(AppLongBeginsWith, RangesOfAPrefix) {
     struct Row { long prefix, low, high, outLow, outHigh, result; };
     const Row rows[] = {
-        {12, 1000, 9999, 1200, 1299, 1200},
-        {5, 10, 40, 50, 40, 59},        // beyond high: the computed high is the answer
-        {123, 1000, 1999, 1230, 1239, 1230},
-        {1, 50, 500, 50, 199, 10},      // raised to low; the answer is the value before
+        {12, 1000, 9999, 1200, 1299, 1200}, {123, 1000, 1999, 1230, 1239, 1230}, {2, 150, 2999, 200, 2999, 200},
+        {5, 10, 40, 50, 40, 59},      // beyond high: the computed high is the answer
         {3, 100, 250, 300, 250, 399},
-        {12345, 10, 99, 12, 12, 12},    // only as many digits as the bounds have
-        {2, 150, 2999, 200, 2999, 200},
+        {1, 50, 500, 50, 199, 10},    // raised to low; the answer is the value before
+        {12345, 10, 99, 12, 12, 12},  // only as many digits as the bounds have
     };
     for (const Row& r : rows) {
         long lo = -7, hi = -7;
-        EXPECT_EQ(Vnt_LongBeginsWith(r.prefix, r.low, r.high, &lo, &hi), r.result) << r.prefix << " " << r.low;
-        EXPECT_EQ(lo, r.outLow) << r.prefix << " " << r.low;
-        EXPECT_EQ(hi, r.outHigh) << r.prefix << " " << r.low;
+        EXPECT_EQ(std::tuple(Vnt_LongBeginsWith(r.prefix, r.low, r.high, &lo, &hi), lo, hi),
+                  std::tuple(r.result, r.outLow, r.outHigh)) << r.prefix << " " << r.low;
     }
     EXPECT_EQ(Vnt_LongBeginsWith(12, 1000, 9999, nullptr, nullptr), 1200);
 }

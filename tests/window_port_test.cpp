@@ -1,11 +1,11 @@
-// The headless window system: sent and posted messages, closing and
-// destroying fake windows, and modal loops that end from a handler or give
-// up when nothing can end them.
+// The headless window system: sent and posted messages, closing and destroying
+// fake windows, and modal loops that end from a handler or give up.
 #include <gtest/gtest.h>
 
 #include "support.h"
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "vanto/ui/window.h"
@@ -30,12 +30,8 @@ protected:
 
 TEST_F(WindowPort, SendAnswersAndCloseDestroysUnlessRefused) {
     struct Row { const char* name; bool handler; long answer; bool survives; };
-    const Row rows[] = {
-        {"no handler", false, 0, false},
-        {"handler answers 0", true, 0, false},
-        {"handler refuses", true, 1, true},
-    };
-    for (const Row& r : rows) {
+    for (const Row& r : {Row{"no handler", false, 0, false}, {"handler answers 0", true, 0, false},
+                         {"handler refuses", true, 1, true}}) {
         VNT_HWND w = r.handler ? logged("w", r.answer) : port.CreateFake("w");
         EXPECT_EQ(port.Send(w, kUser, 1, 2), r.answer) << r.name;
         EXPECT_EQ(port.Send(w, VNT_WM_CLOSE, 0, 0), r.answer) << r.name;
@@ -49,11 +45,9 @@ TEST_F(WindowPort, SendAnswersAndCloseDestroysUnlessRefused) {
     VNT_HWND gone = logged("gone", 5);
     port.Destroy(gone);
     int foreign = 0;
-    for (VNT_HWND w : {gone, VNT_HWND{}, reinterpret_cast<VNT_HWND>(&foreign)}) {
-        EXPECT_EQ(port.Send(w, kUser, 0, 0), 0);
-        EXPECT_FALSE(port.Post(w, kUser, 0, 0));
-        EXPECT_FALSE(port.IsWindow(w));
-    }
+    for (VNT_HWND w : {gone, VNT_HWND{}, reinterpret_cast<VNT_HWND>(&foreign)})
+        EXPECT_EQ(std::tuple(port.Send(w, kUser, 0, 0), port.Post(w, kUser, 0, 0), port.IsWindow(w)),
+                  std::tuple(0L, false, false));
     EXPECT_TRUE(port.Messages(reinterpret_cast<VNT_HWND>(&foreign)).empty());
     EXPECT_EQ(log, "w:1024 w:16 w:1024 w:16 ");
 }
@@ -86,12 +80,13 @@ TEST_F(WindowPort, PostedMessagesArriveInOrderOnePassAtATime) {
 
 TEST_F(WindowPort, DestroyAndClearForgetTheRoles) {
     VNT_HWND main = port.CreateFake("main"), dlg = port.CreateFake("dlg");
+    auto roles = [&] { return std::tuple(port.MainWindow(), port.ActiveWindow(), port.Focus()); };
     port.SetMainWindow(main), port.Activate(dlg), port.SetFocus(dlg);
-    EXPECT_TRUE(port.MainWindow() == main && port.ActiveWindow() == dlg && port.Focus() == dlg);
+    EXPECT_EQ(roles(), std::tuple(main, dlg, dlg));
     port.Destroy(dlg);
-    EXPECT_TRUE(port.ActiveWindow() == nullptr && port.Focus() == nullptr && port.MainWindow() == main);
+    EXPECT_EQ(roles(), std::tuple(main, VNT_HWND{}, VNT_HWND{}));
     port.Activate(dlg), port.SetFocus(dlg);  // a destroyed window takes neither
-    EXPECT_TRUE(port.ActiveWindow() == nullptr && port.Focus() == nullptr);
+    EXPECT_EQ(roles(), std::tuple(main, VNT_HWND{}, VNT_HWND{}));
     port.Send(main, kUser, 0, 0);
     port.Clear();
     EXPECT_TRUE(!port.IsWindow(main) && port.MainWindow() == nullptr && port.Messages(main).empty());
@@ -99,22 +94,13 @@ TEST_F(WindowPort, DestroyAndClearForgetTheRoles) {
 
 TEST_F(WindowPort, ModalLoopEndsFromAHandlerOrGivesUp) {
     port.modalDefault = 7;
-    struct Row {
-        const char* name;
-        int passes;      // posts before the handler ends the loop (-1: never)
-        bool close;      // the last post is a close instead
-        bool endEarly;   // EndModalLoop before the loop runs
-        int expect;
-    };
-    const Row rows[] = {
-        {"nothing posted", -1, false, false, 7},
-        {"ended on the first message", 0, false, false, 42},
-        {"ended after three re-posts", 3, false, false, 42},
-        {"posts run out", -2, false, false, 7},
-        {"closed meanwhile", 2, true, false, -1},
-        {"an earlier end is lost", -1, false, true, 7},
-    };
-    for (const Row& r : rows) {
+    // passes: posts before the handler ends the loop (-1: never); close: the
+    // last post is a close instead; endEarly: EndModalLoop before the loop runs.
+    struct Row { const char* name; int passes; bool close, endEarly; int expect; };
+    for (const Row& r : {Row{"nothing posted", -1, false, false, 7}, {"ended on the first message", 0, false, false, 42},
+                         {"ended after three re-posts", 3, false, false, 42},
+                         {"posts run out", -2, false, false, 7}, {"closed meanwhile", 2, true, false, -1},
+                         {"an earlier end is lost", -1, false, true, 7}}) {
         int seen = 0;
         VNT_HWND dlg = port.CreateFake("dlg", [&](VNT_HWND w, unsigned msg, uintptr_t, intptr_t) {
             if (msg == VNT_WM_CLOSE) return 0L;
