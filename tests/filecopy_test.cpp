@@ -41,16 +41,12 @@ protected:
         VNT_PATH sys;
         ASSERT_TRUE(Vnt_LfnFromHost(sys, VANTO_SYSLIB_EN) && Vnt_MsgItfInit(nullptr, 0, sys));
         sys_ = Vnt_MsgHInit();  // held open, so that the faults below meet the copy, not the library
-        Vnt_UiSetPresenter(&box_);
-        Vnt_UiSetProgress(&view_);
+        Vnt_UiSetPresenter(&box_), Vnt_UiSetProgress(&view_);
     }
     void TearDown() override {
-        Vnt_MsgHTerm(&sys_);
-        Vnt_MsgItfTerm();
-        Vnt_UiSetPresenter(nullptr);
-        Vnt_UiSetProgress(nullptr);
-        vnt::test::resetAll();
-        fs::remove_all(base_);
+        Vnt_MsgHTerm(&sys_), Vnt_MsgItfTerm();
+        Vnt_UiSetPresenter(nullptr), Vnt_UiSetProgress(nullptr);
+        vnt::test::resetAll(), fs::remove_all(base_);
     }
     void put(const std::string& rel, const std::string& data) {
         fs::create_directories((base_ / rel).parent_path());
@@ -87,8 +83,7 @@ protected:
 
 TEST_F(FileCopy, SingleCopyKeepsTimeNotAttributes) {
     const std::string data = big(40000);  // three chunks
-    put("src/a.dat", data);
-    age("src/a.dat", 50);
+    put("src/a.dat", data), age("src/a.dat", 50);
     fs::permissions(base_ / "src/a.dat", fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
                     fs::perm_options::remove);
     VntFileCopy fc;
@@ -114,10 +109,8 @@ TEST_F(FileCopy, OverwriteModes) {
     struct Row { int mode; int targetAgeHours; bool copied; };
     for (const Row& r : {Row{0, -10, true}, Row{1, 10, false}, Row{2, -10, false}, Row{2, 10, true}}) {
         SCOPED_TRACE("mode " + std::to_string(r.mode) + ", target older by " + std::to_string(r.targetAgeHours));
-        put("src/f", "new!");
-        put("dst/f", "old");
-        age("src/f", 20);
-        age("dst/f", 20 + r.targetAgeHours);  // negative: the target is newer
+        put("src/f", "new!"), put("dst/f", "old");
+        age("src/f", 20), age("dst/f", 20 + r.targetAgeHours);  // negative: the target is newer
         VntFileCopy fc;
         fc.SetOverwrite(r.mode);
         EXPECT_EQ(fc.Copy(R"(T:\src\f)", R"(T:\dst\f)"), 4u);
@@ -149,10 +142,8 @@ TEST_F(FileCopy, FailuresAskAndLeaveNoTarget) {
         {"target cannot be opened", Op::Open, 3, VNT_BTN_CANCEL, VNT_FC_TARGET, 0, "dst", old},
     };
     for (const Row& r : rows) {
-        put("src/a", data);
-        put("dst/a", old);
-        box_.shown.clear();
-        box_.answers.push_back({r.answer, false});
+        put("src/a", data), put("dst/a", old);
+        box_.shown.clear(), box_.answers.push_back({r.answer, false});
         vnt::host::faultAt(r.op, r.nth);
         VntFileCopy fc;
         EXPECT_EQ(fc.Copy(R"(T:\src\a)", R"(T:\dst\a)"), r.result) << r.name;
@@ -164,8 +155,7 @@ TEST_F(FileCopy, FailuresAskAndLeaveNoTarget) {
 
     // A file copied onto itself under another spelling is refused, never
     // truncated.
-    box_.shown.clear();
-    box_.answers.push_back({VNT_BTN_CANCEL, false});
+    box_.shown.clear(), box_.answers.push_back({VNT_BTN_CANCEL, false});
     VntFileCopy fc;
     EXPECT_EQ(fc.Copy(R"(T:\src\a)", R"(t:\SRC\A)"), 0u);
     EXPECT_EQ(fc.Error(), VNT_FC_TARGET);
@@ -199,8 +189,7 @@ TEST_F(FileCopy, SourceGoneBeforeTheRetry) {
 // A cancel confirmed in the progress view ends a copy or a tree walk (a scan
 // between its files) without a question and without a partial target.
 TEST_F(FileCopy, CancelStopsWithoutAQuestion) {
-    put("src/a", big(100000));
-    put("src/b", "b");
+    put("src/a", big(100000)), put("src/b", "b");
     for (const std::string walk : {"copy", "tree copy", "tree scan"}) {
         SCOPED_TRACE(walk);
         view_.records.clear();
@@ -288,8 +277,7 @@ TEST_F(FileCopy, TreeWalks) {
     EXPECT_EQ(view_.lines[0].rfind("Checking T:\\src\\top.txt", 0), 0u) << view_.lines[0];
 
     // The copy shows the whole run's bytes against the total of the scan.
-    fc.calls.clear();
-    view_.records.clear();
+    fc.calls.clear(), view_.records.clear();
     fc.SetCountForAll(-1);
     ASSERT_TRUE(fc.TreeCopy(R"(T:\src)"));
     EXPECT_EQ(view_.lines[0].rfind("Copying T:\\src\\top.txt", 0), 0u) << view_.lines[0];
@@ -303,16 +291,13 @@ TEST_F(FileCopy, TreeWalks) {
     EXPECT_TRUE(fs::is_directory(base_ / "dst/emptydir"));
     EXPECT_TRUE(fc.TreeCompare(R"(T:\src)"));
     EXPECT_EQ(fc.Differences(), 0u);
-    put("dst/top.txt", "changed");
-    fs::remove(base_ / "dst/a/empty");
+    put("dst/top.txt", "changed"), fs::remove(base_ / "dst/a/empty");
     EXPECT_TRUE(fc.TreeCompare(R"(T:\src)"));
     EXPECT_EQ(fc.Differences(), 2u);
 
     // A hook stops the walk; a skipped file is not copied.
-    fs::remove_all(base_ / "dst");
-    fc.calls.clear();
-    fc.skipFile = R"(T:\src\a\empty)";
-    fc.stopAt = R"(T:\src\top.txt)";
+    fs::remove_all(base_ / "dst"), fc.calls.clear();
+    fc.skipFile = R"(T:\src\a\empty)", fc.stopAt = R"(T:\src\top.txt)";
     EXPECT_FALSE(fc.TreeCopy(R"(T:\src)"));
     EXPECT_FALSE(exists("dst/a/empty") || exists("dst/top.txt"));
     EXPECT_TRUE(exists("dst/a/b/deep.txt"));

@@ -27,8 +27,7 @@ protected:
         fs::remove_all(base_);
         for (const char* dir : {"t/a/b", "t/Data", "u/sub"}) fs::create_directories(base_ / dir);
         std::ofstream(base_ / "t" / "file.txt") << "x";
-        vnt::host::reset();
-        vnt::lfn::resetState();
+        vnt::host::reset(), vnt::lfn::resetState();
         ASSERT_TRUE(Vnt_LfnVolMap('T', (base_ / "t").c_str()) && Vnt_LfnVolMap('U', (base_ / "u").c_str()));
         home();
     }

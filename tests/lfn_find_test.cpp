@@ -32,8 +32,7 @@ namespace {
 class LfnFind : public ::testing::Test {
 protected:
     void SetUp() override {
-        vnt::test::resetAll();
-        vnt::lfn::resetState();
+        vnt::test::resetAll(), vnt::lfn::resetState();
         base_ = fs::temp_directory_path() /
                 ("vanto_lfnfind_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
         fs::remove_all(base_);
@@ -43,8 +42,7 @@ protected:
         std::ofstream(base_ / "t/a/File1.txt") << "12345";
         ASSERT_TRUE(Vnt_LfnVolMap('T', (base_ / "t").c_str()) && Vnt_LfnDirSet(R"(T:\a)"));
         vnt::host::setProgramFile(R"(T:\prog\Fibu)");
-        Vnt_UiSetPresenter(&box);
-        Vnt_UiSetFileDialog(&dlg);
+        Vnt_UiSetPresenter(&box), Vnt_UiSetFileDialog(&dlg);
     }
     void TearDown() override {
         vnt::test::resetAll(), vnt::lfn::resetState(), Vnt_MsgItfTerm();

@@ -25,8 +25,7 @@ class Stat : public ::testing::Test {
 protected:
     void SetUp() override {
         vnt::test::resetAll();
-        oldView_ = Vnt_UiSetProgress(&view);
-        oldBox_ = Vnt_UiSetPresenter(&box);
+        oldView_ = Vnt_UiSetProgress(&view), oldBox_ = Vnt_UiSetPresenter(&box);
         char lib[VNT_MAX_PATH];
         ASSERT_TRUE(Vnt_LfnFromHost(lib, VANTO_SYSLIB_DE) && Vnt_MsgItfInit(nullptr, 0, lib));
         ASSERT_NE(sys_ = Vnt_MsgHInit(), nullptr);
@@ -106,8 +105,7 @@ TEST_F(Stat, ThinningRedrawsTheFirstOfEveryRun) {
     // A new Begin starts a new run.
     view.records.clear();
     stat.Begin("third");
-    stat.Progress("a");
-    stat.Progress("b");
+    stat.Progress("a"), stat.Progress("b");
     EXPECT_EQ(texts(Kind::Text), (Strings{"a"}));
 }
 
@@ -127,8 +125,7 @@ TEST_F(Stat, ProgressValuesAndTexts) {
     EXPECT_EQ(view.text, "");
     stat.Progress(-4);  // no total: the number as it is
     EXPECT_EQ(view.number + " " + items(), "-4 number ");
-    stat.Progress(5000000000LL);
-    stat.Progress(3u);
+    stat.Progress(5000000000LL), stat.Progress(3u);
     EXPECT_EQ(texts(Kind::Number).end()[-2], "5000000000");
     EXPECT_EQ(view.number, "3");
 }
@@ -203,9 +200,7 @@ TEST_F(Stat, InternalErrors) {
     EXPECT_FALSE(stat.Begin("text"));
     expectInternalError(300);
     // The calls on a closed window that have nothing to report do nothing.
-    stat.Progress(5);
-    stat.Show();
-    stat.Move(1, 2);
+    stat.Progress(5), stat.Show(), stat.Move(1, 2);
     tagRECT r{};
     EXPECT_FALSE(stat.GetRect(&r));
     stat.End();
@@ -306,8 +301,7 @@ TEST_F(Stat, PositionsAreRememberedForTheProcess) {
         tagRECT r{};
         ASSERT_TRUE(first.GetRect(&r));
         EXPECT_TRUE(r.left == 10 && r.top == 20);
-        first.SetTopmost(true);
-        first.Hide();
+        first.SetTopmost(true), first.Hide();
         EXPECT_TRUE(view.topmost && !view.visible);
         first.Show();
         EXPECT_TRUE(view.visible);
@@ -334,9 +328,7 @@ TEST_F(Stat, ConsoleViewDrawsOneLine) {
     {
         VntStat stat("[T] Kopieren \xE4", 1, 200);  // Windows-1252 in, UTF-8 out
         stat.EnableCancel(true);
-        stat.Progress(50ul);
-        stat.Progress(200ul);
-        stat.Progress("fertig");
+        stat.Progress(50ul), stat.Progress(200ul), stat.Progress("fertig");
         EXPECT_FALSE(stat.IsCancel());  // nobody cancels here
     }
     EXPECT_EQ(out,
