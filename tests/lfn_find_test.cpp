@@ -191,6 +191,8 @@ TEST_F(LfnFind, CreateAndRemoveChains) {
     EXPECT_TRUE(Vnt_LfnDirRemove(R"(T:\j\k\l)"));  // every emptied ancestor goes up to the root
     EXPECT_FALSE(exists("j"));
     EXPECT_FALSE(Vnt_LfnDirRemove(R"(T:\nothere)"));
+    fs::create_directories(base_ / "t/r");  // the walk goes on past a failed removal
+    EXPECT_TRUE(Vnt_LfnDirRemove(R"(T:\r\gone)") && !exists("r"));
     vnt::host::faultAt(Op::Remove, 1);  // x/y cannot go, so x is not empty
     EXPECT_FALSE(Vnt_LfnDirRemove(R"(T:\x\y)"));
     EXPECT_TRUE(exists("x/y"));
