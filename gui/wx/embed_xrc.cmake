@@ -1,0 +1,18 @@
+# Writes OUT, a C++ source holding every XRC file of FILES as bytes, for the
+# resource table of gui/wx/res.cpp: no loose resource files are installed.
+set(body "")
+set(table "")
+set(n 0)
+foreach(f IN LISTS FILES)
+  get_filename_component(name "${f}" NAME)
+  file(READ "${f}" hex HEX)
+  string(LENGTH "${hex}" len)
+  math(EXPR size "${len} / 2")
+  string(REGEX REPLACE "([0-9a-f][0-9a-f])" "0x\\1," bytes "${hex}")
+  string(REGEX REPLACE "((0x..,){24})" "\\1\n" bytes "${bytes}")
+  string(APPEND body "const unsigned char xrc${n}[] = {\n${bytes}0};\n")
+  string(APPEND table "    {\"${name}\", xrc${n}, ${size}},\n")
+  math(EXPR n "${n} + 1")
+endforeach()
+file(WRITE "${OUT}.tmp" "// Generated from gui/wx/xrc/*.xrc by embed_xrc.cmake; do not edit.\n#include \"res_table.h\"\n\nnamespace {\n${body}}  // namespace\n\nnamespace vnt::wx {\n\nconst EmbeddedXrc kEmbeddedXrc[] = {\n${table}    {nullptr, nullptr, 0},\n};\n\n}  // namespace vnt::wx\n")
+file(RENAME "${OUT}.tmp" "${OUT}")

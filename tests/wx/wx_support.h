@@ -1,0 +1,67 @@
+// Shared by the window tests: the wx application they run in, and a fixture
+// that starts each case from a fresh library and no open windows.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+#include <wx/app.h>
+#include <wx/toplevel.h>
+#include <wx/utils.h>
+
+#include "../support.h"
+#include "vanto/lfn.h"
+#include "vanto/msg.h"
+#include "vanto/wx/app.h"
+
+namespace vnt::wxtest {
+
+/// Serves wx events for `ms` milliseconds (at least one pass).
+inline void pump(int ms = 0) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(ms);
+    do {
+        wxTheApp->ProcessPendingEvents();
+        wxTheApp->Yield(true);
+        wxMilliSleep(1);
+    } while (std::chrono::steady_clock::now() < end);
+}
+
+/// Serves events until `done` holds or `ms` pass; `done` at the end.
+inline bool pumpUntil(const std::function<bool()>& done, int ms = 3000) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(ms);
+    while (!done() && std::chrono::steady_clock::now() < end) pump();
+    return done();
+}
+
+/// Runs `f` once the next modal loop (or the current one) serves events.
+inline void soon(std::function<void()> f) { wxTheApp->CallAfter(std::move(f)); }
+
+/// Every case: the core back to a fresh process with the system message
+/// library (German unless `english`) open, and no window left open.
+class WxTest : public ::testing::Test {
+protected:
+    void SetUp() override { openLibrary(false); }
+    void TearDown() override {
+        for (wxWindow* w : wxTopLevelWindows) w->Destroy();
+        pump();
+        if (sys_) Vnt_MsgHTerm(&sys_);
+        Vnt_MsgItfTerm();
+        vnt::test::resetAll();
+    }
+    /// Starts the message interface anew on the system library of a language.
+    void openLibrary(bool english) {
+        if (sys_) Vnt_MsgHTerm(&sys_);
+        Vnt_MsgItfTerm();
+        vnt::test::resetAll();
+        Vnt_ResSetLanguage(english ? "ENU" : "DEU");
+        char lib[VNT_MAX_PATH];
+        ASSERT_TRUE(Vnt_LfnFromHost(lib, english ? VANTO_SYSLIB_EN : VANTO_SYSLIB_DE) && Vnt_MsgItfInit(nullptr, 0, lib));
+        ASSERT_NE(sys_ = Vnt_MsgHInit(), nullptr);
+    }
+    VNT_MSG sys_ = nullptr;
+};
+
+}  // namespace vnt::wxtest
