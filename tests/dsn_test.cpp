@@ -157,6 +157,25 @@ TEST_F(Dsn, AppendReplaceRemoveAndWrite) {
     EXPECT_EQ(none.RemoveEntry(), -1);
 }
 
+TEST_F(Dsn, ChangedAndMovedClientsKeepTheirOtherLines) {
+    list("[Settings]\r\nCount=3\r\n[Dsn1]\r\nDSN=Alpha\r\nDBQ=T:\\a\r\nDatabase=T:\\a\\x.db\r\nDriver=SQLite3\r\n"
+         "[Dsn2]\r\n*=Beta\r\nDtaPth=T:\\b\r\nUID=b\r\n[Dsn3]\r\n*=Gamma\r\nDtaPth=T:\\g\r\n");
+    DsnIni d;
+    ASSERT_TRUE(d.LoadSettings() && d.LoadEntries());
+    // Out of range on either side: nothing changes.
+    EXPECT_FALSE(d.ChangeEntry(-1, "x", "y") || d.ChangeEntry(3, "x", "y"));
+    EXPECT_FALSE(d.MoveEntry(0, 3) || d.MoveEntry(-1, 0) || d.MoveEntry(3, 0));
+    EXPECT_FALSE(d.IsModified());
+    EXPECT_TRUE(d.ChangeEntry(1, "Beta", "t:\\B")) << "same path in another case: the lines stay";
+    EXPECT_TRUE(d.MoveEntry(2, 0) && d.MoveEntry(0, 2) && d.MoveEntry(0, 2));
+    EXPECT_EQ(names(d), "Beta=t:\\B;Gamma=T:\\g;Alpha=T:\\a\\x.db;");
+    // A new name drops the old "DSN"; a new path the old path lines.
+    EXPECT_TRUE(d.ChangeEntry(2, "Alpha Neu", "T:\\n"));
+    ASSERT_TRUE(d.WriteEntries());
+    EXPECT_EQ(get(), "[Settings]\r\nCount=3\r\n[Dsn1]\r\n*=Beta\r\nDtaPth=t:\\B\r\nUID=b\r\n[Dsn2]\r\n*=Gamma\r\n"
+                     "DtaPth=T:\\g\r\n[Dsn3]\r\nDriver=SQLite3\r\n*=Alpha Neu\r\nDtaPth=T:\\n\r\n");
+}
+
 TEST_F(Dsn, ChangedOnDiskAsksBeforeWriting) {
     const std::string mine = "[Settings]\r\nCount=1\r\n[Dsn1]\r\n*=A\r\nDtaPth=T:\\a\r\n";
     const std::string theirs = "[Settings]\r\nCount=1\r\n[Dsn1]\r\n*=Fremd\r\nDtaPth=T:\\f\r\n";

@@ -100,6 +100,18 @@ public:
     /// place (the new last one when it was the last), -1 when the index is
     /// out of range, and also when the list became empty.
     int RemoveEntry(int index = -1);
+    /// Gives entry `index` the name and path (259 characters each, null is
+    /// empty); its other lines stay. Lines that named the entry before go
+    /// when the name changes ("DSN"), lines that gave its old path go when
+    /// the path changes ("DBQ", "Datapath", the path-spec key), so that the
+    /// file and the connect string name the new ones. Marks the registry
+    /// modified; false for an index out of range.
+    ///   "DSN=Alt\nDBQ=T:\A\nDriver=X\n", ("Neu", "T:\B") => "Driver=X\n"
+    bool ChangeEntry(int index, const char* name, const char* path);
+    /// Moves entry `from` with all its lines to place `to` (the entries
+    /// between close up). Marks the registry modified; false when either
+    /// index is out of range. (0, 2) of A B C => B C A.
+    bool MoveEntry(int from, int to);
     /// Writes the registry back when it was changed (true without writing
     /// when not; false before the entries are loaded). When the file's time
     /// differs from the time at load, asks message 60363: Cancel gives

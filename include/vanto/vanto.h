@@ -7,6 +7,7 @@
 #include "vanto/date.h"
 #include "vanto/db.h"
 #include "vanto/dsn.h"
+#include "vanto/dsndlg.h"
 #include "vanto/ini.h"
 #include "vanto/lfn.h"
 #include "vanto/locale.h"

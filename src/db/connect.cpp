@@ -106,12 +106,6 @@ bool forEachLine(const char* text, Fn fn) {
 
 bool isKey(std::string_view key, const char* name) { return name && *name && vnt::db::sameText(key, name); }
 
-bool existsAsDir(const char* path) {
-    if (!path || !*path || Vnt_LfnNameIsWild(path)) return false;
-    if (Vnt_LfnNameIsRoot(path) || Vnt_LfnNameIsVol(path)) return Vnt_LfnVolFind(path);
-    return Vnt_LfnDirFind(path);
-}
-
 // The open connection is this connect string (as Open keeps it).
 bool isConnection(const std::string& connect) {
     if (!isOpen()) return false;
@@ -402,10 +396,10 @@ bool Vnt_DsnConnectClient(const char* name) {
 
 bool Vnt_DsnPathExists(const char* path) {
     if (!path || !*path) return false;
-    if (!DsnIni::IsFile()) return existsAsDir(path) || vnt::db::fileExists(path);
+    if (!DsnIni::IsFile()) return vnt::db::dirExists(path) || vnt::db::fileExists(path);
     char file[VNT_MAX_PATH];
     if (DsnIni::ResolvePath(path, &file, nullptr) && vnt::db::fileExists(file)) return true;
-    return !DsnIni::DBFileName()[0] && existsAsDir(path);  // no file name to look for
+    return !DsnIni::DBFileName()[0] && vnt::db::dirExists(path);  // no file name to look for
 }
 
 bool Vnt_DsnInstallClient(const char* path) {
@@ -467,4 +461,10 @@ bool Vnt_DsnSetUpClient(DsnIni& registry, const char* name, const char* path, bo
     Vnt_AppConnRestore(saved.c_str());
     if (formerPath) vnt::copyBounded(*formerPath, Vnt_AppDSN());
     return false;
+}
+
+bool vnt::db::dirExists(const char* path) {
+    if (!path || !*path || Vnt_LfnNameIsWild(path)) return false;
+    if (Vnt_LfnNameIsRoot(path) || Vnt_LfnNameIsVol(path)) return Vnt_LfnVolFind(path);
+    return Vnt_LfnDirFind(path);
 }

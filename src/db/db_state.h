@@ -43,5 +43,8 @@ void reset();
 /// True when `path` (the library's form, no wildcards) names an existing
 /// file, not a directory.
 bool fileExists(const char* path);
+/// True when `path` (the library's form, no wildcards) names an existing
+/// directory or volume.
+bool dirExists(const char* path);
 
 }  // namespace vnt::db

@@ -1,9 +1,11 @@
 // DsnIni: the client registry "dsn.ini" - reading the clients, changing the
 // list in memory and writing it back.
 
+#include <cstring>
 #include <initializer_list>
 #include <new>
 #include <string>
+#include <string_view>
 
 #include "base/strbuf.h"
 #include "db/db_state.h"
@@ -219,6 +221,56 @@ int DsnIni::RemoveEntry(int index) {
     count_ = static_cast<int>(entries_.size());
     modified_ = true;
     return index < count_ ? index : count_ - 1;
+}
+
+namespace {
+
+// The key of a section line "key=value", blanks around it dropped.
+std::string_view lineKey(std::string_view line) {
+    const std::size_t eq = line.find('=');
+    std::string_view key = line.substr(0, eq == std::string_view::npos ? 0 : eq);
+    while (!key.empty() && (key.front() == ' ' || key.front() == '\t')) key.remove_prefix(1);
+    while (!key.empty() && (key.back() == ' ' || key.back() == '\t')) key.remove_suffix(1);
+    return key;
+}
+
+// Drops the lines of `section` whose key is one of `keys`.
+void dropLines(char (&section)[4096], std::initializer_list<const char*> keys) {
+    std::string kept;
+    std::string_view rest(section);
+    while (!rest.empty()) {
+        const std::size_t nl = rest.find('\n');
+        const std::string_view line = rest.substr(0, nl == std::string_view::npos ? rest.size() : nl + 1);
+        rest.remove_prefix(line.size());
+        bool drop = false;
+        for (const char* key : keys) drop = drop || (key && *key && vnt::db::sameText(lineKey(line), key));
+        if (!drop) kept += line;
+    }
+    vnt::copyBounded(section, kept);
+}
+
+}  // namespace
+
+bool DsnIni::ChangeEntry(int index, const char* name, const char* path) {
+    if (!loaded_ || index < 0 || index >= count_) return false;
+    DsnEntry& e = entries_[static_cast<std::size_t>(index)];
+    if (!name) name = "";
+    if (!path) path = "";
+    if (std::strcmp(e.name, name) != 0) dropLines(e.section, {"DSN"});
+    if (!sameName(e.path, path)) dropLines(e.section, {"DBQ", "Datapath", PathSpec()});
+    vnt::copyBounded(e.name, name);
+    vnt::copyBounded(e.path, path);
+    modified_ = true;
+    return true;
+}
+
+bool DsnIni::MoveEntry(int from, int to) {
+    if (!loaded_ || from < 0 || from >= count_ || to < 0 || to >= count_) return false;
+    const DsnEntry moved = entries_[static_cast<std::size_t>(from)];
+    entries_.erase(entries_.begin() + from);
+    entries_.insert(entries_.begin() + to, moved);
+    modified_ = true;
+    return true;
 }
 
 bool DsnIni::WriteEntries() {

@@ -3,8 +3,8 @@
 // Vnt_DlgDsn (vanto/dsn.h) runs the client selection until a database is
 // open: Vnt_DsnSelect reads the registry and the user's choices and lets
 // this port show the selection. The window toolkit installs the real
-// dialogs, which do their work through the functions of vanto/dsn.h
-// (Vnt_DsnSelectOk, Vnt_DsnSelectCancel, Vnt_DsnSetUpClient, ...). Without
+// dialogs, which do their work through the objects of vanto/dsndlg.h
+// (VntDsnSelection, VntDsnEntryEdit) over vanto/dsn.h. Without
 // them the headless selection connects the user's default client, asks on
 // the terminal when there is none, and otherwise gives up; tests install a
 // scripted one.
