@@ -163,14 +163,15 @@ TEST_F(IniFile, EntryAccessRules) {
     }
     // Writes into a directory that does not exist yet.
     VntIni w(file("sub/New.ini").c_str(), "S");
-    const struct { const char* name; const char* value; int num; bool quote; const char* def; const char* after; } writes[] = {
-        {"numbered and quoted", "x", 3, true, nullptr, "[S]\r\nR3=\"x\"\r\n"},
-        {"quoted value differs from its unquoted default", "y", -1, true, "y", "[S]\r\nR3=\"x\"\r\nR=\"y\"\r\n"},
-        {"value equal to its default deletes", "z", 3, false, "z", "[S]\r\nR=\"y\"\r\n"},
-        {"empty value deletes", "", -1, false, nullptr, "[S]\r\n"},
+    const struct { const char *name, *entry, *value; int num; bool quote; const char *def, *after; } writes[] = {
+        {"numbered and quoted", "R", "x", 3, true, nullptr, "[S]\r\nR3=\"x\"\r\n"},
+        {"quoted value differs from its unquoted default", "R", "y", -1, true, "y", "[S]\r\nR3=\"x\"\r\nR=\"y\"\r\n"},
+        {"value equal to its default deletes", "R", "z", 3, false, "z", "[S]\r\nR=\"y\"\r\n"},
+        {"another case keeps the file's spelling", "r", "w", -1, false, nullptr, "[S]\r\nR=w\r\n"},
+        {"empty value deletes", "r", "", -1, false, nullptr, "[S]\r\n"},
     };
     for (const auto& r : writes) {
-        EXPECT_TRUE(w.WriteStr("R", r.value, r.num, r.quote, r.def)) << r.name;
+        EXPECT_TRUE(w.WriteStr(r.entry, r.value, r.num, r.quote, r.def)) << r.name;
         EXPECT_EQ(text("sub/New.ini"), r.after) << r.name;
     }
     const char* same = "Recent";

@@ -218,7 +218,7 @@ TEST_F(MsgBox, MemoryIsReadAndWrittenAsTheFileSays) {
     const struct { const char *name, *before, *after; } rows[] = {  // before null: no file; after null: off
         {"no file", nullptr, "[Msg]\r\nAPPMSG.1234=0\r\n"},
         {"00 reads 0", "[Msg]\nAPPMSG.1234=00\n", nullptr},
-        {"1: replaced in the writer's spelling", "[msg]\n appmsg.1234 = 1 \n", "[msg]\r\nAPPMSG.1234=0\r\n"},
+        {"1: replaced in the file's spelling", "[msg]\n appmsg.1234 = 1 \n", "[msg]\r\nappmsg.1234=0\r\n"},
         {"empty value shows", "[Msg]\nAPPMSG.1234=\n", "[Msg]\r\nAPPMSG.1234=0\r\n"},
         {"other library", "[Msg]\nVNT60LIB.1234=0\n", "[Msg]\r\nVNT60LIB.1234=0\r\nAPPMSG.1234=0\r\n"},
     };

@@ -56,7 +56,8 @@ VANTO_API unsigned long Vnt_ProfileGetString(const char* section, const char* ke
 VANTO_API long Vnt_ProfileGetInt(const char* section, const char* key, long def, const char* file);
 
 /// Writes `key`=`value` into `section`:
-///  - an existing key's first line is replaced; a new key goes after the
+///  - an existing key's first line is replaced, keeping the file's own
+///    spelling of the key (and of the section header); a new key goes after the
 ///    section's last entry (before the blank lines that end it); a new
 ///    section goes at the end of the file; a missing file is created (its
 ///    directory must exist);
@@ -71,6 +72,7 @@ VANTO_API long Vnt_ProfileGetInt(const char* section, const char* key, long def,
 /// or blank section or key; null section or file).
 ///   "" + ("A", "x", "1") => "[A]\r\nx=1\r\n"
 ///   "[A]\nx=1\n\n[B]\n" + ("a", "y", "2") => "[A]\r\nx=1\r\ny=2\r\n\r\n[B]\r\n"
+///   "[Opt]\r\nMode=old\r\n" + ("oPT", "mODe", "x") => "[Opt]\r\nMode=x\r\n"
 VANTO_API bool Vnt_ProfileWriteString(const char* section, const char* key, const char* value,
                                       const char* file);
 

@@ -274,11 +274,10 @@ bool edit(std::vector<std::string>& lines, std::string_view sec, const char* key
         return !ranges.empty();
     }
     const std::string_view k = trim(key);
-    const std::string entry = value ? std::string(k) + "=" + value : std::string();
     if (ranges.empty()) {
         if (value == nullptr) return false;
         lines.push_back("[" + std::string(sec) + "]");
-        lines.push_back(entry);
+        lines.push_back(std::string(k) + "=" + value);
         return true;
     }
     const auto [head, end] = ranges.front();
@@ -299,12 +298,13 @@ bool edit(std::vector<std::string>& lines, std::string_view sec, const char* key
         LineInfo li = classify(lines[i]);
         if (li.kind == Kind::Entry && upper(li.name) == keyU) {
             if (li.value == value) return false;
-            lines[i] = entry;
+            // The file's own spelling of the key stays; only the value changes.
+            lines[i] = std::string(li.name) + "=" + value;
             return true;
         }
         if (li.kind == Kind::Entry || li.kind == Kind::Other) last = i;
     }
-    lines.insert(at(last + 1), entry);
+    lines.insert(at(last + 1), std::string(k) + "=" + value);
     return true;
 }
 
