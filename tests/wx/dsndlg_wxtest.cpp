@@ -1,0 +1,573 @@
+// The client dialogs 30021-30026 as windows: each button driven through wx
+// events with "dsn.ini" compared as a whole after it, the nested entry,
+// choice and directory dialogs, the list locked while a second registry is
+// alive, Vnt_DlgDsn through the installed port, and a picture of every
+// dialog in German and English (build tree, folder "shots") whose controls
+// must neither clip their texts nor overlap.
+#include "wx_support.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+
+#include <wx/button.h>
+#include <wx/checkbox.h>
+#include <wx/dcclient.h>
+#include <wx/dcmemory.h>
+#include <wx/image.h>
+#include <wx/listbox.h>
+#include <wx/radiobut.h>
+#include <wx/stattext.h>
+#include <wx/stdpaths.h>
+#include <wx/textctrl.h>
+#include <wx/uiaction.h>
+
+#include "vanto/app.h"
+#include "vanto/db.h"
+#include "vanto/dsn.h"
+#include "vanto/module.h"
+#include "vanto/ui/help.h"
+#include "vanto/ui/msgbox.h"
+#include "vanto/ui/window.h"
+#include "vanto/wx/dsndlg.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using vnt::wxtest::pump;
+using vnt::wxtest::pumpUntil;
+using vnt::wxtest::soon;
+
+using Client = std::vector<std::string>;
+const Client kM{"*=M\xFCller GmbH", "DtaPth=T:\\Daten\\M1"};
+const Client kS{"*=Schulze KG", "DtaPth=T:\\Daten\\M2"};
+const Client kK{"*=Kaputt", "DtaPth=T:\\Daten\\M3", "Driver=NoSuchDriver"};
+
+std::string listText(const std::vector<Client>& clients) {
+    std::string t = "[Settings]\r\nDefaultDriver=SQLite3\r\nCount=" + std::to_string(clients.size()) + "\r\n";
+    for (std::size_t i = 0; i < clients.size(); ++i) {
+        t += "[Dsn" + std::to_string(i + 1) + "]\r\n";
+        for (const std::string& l : clients[i]) t += l + "\r\n";
+    }
+    return t;
+}
+
+// A dialog of the library shown now, by its resource number.
+template <class T>
+T* shown(long number) {
+    for (wxWindow* w : wxTopLevelWindows)
+        if (auto* d = dynamic_cast<T*>(w); d && d->IsShown() && d->ResourceNumber() == number) return d;
+    return nullptr;
+}
+
+// A click on a control as wx delivers it.
+void click(wxWindow* dlg, int id) {
+    wxWindow* b = dlg ? dlg->FindWindow(id) : nullptr;
+    ASSERT_NE(b, nullptr) << "no control " << id;
+    ASSERT_TRUE(b->IsEnabled()) << "control " << id << " is disabled";
+    wxCommandEvent e(wxEVT_BUTTON, id);
+    e.SetEventObject(b);
+    b->GetEventHandler()->ProcessEvent(e);
+}
+
+void choose(wxWindow* dlg, int index) {
+    auto* list = wxDynamicCast(dlg->FindWindow(VNT_DSN_IDC_LIST), wxListBox);
+    ASSERT_NE(list, nullptr);
+    if (index < 0) list->DeselectAll();
+    else list->SetSelection(index);
+    wxCommandEvent e(wxEVT_LISTBOX, VNT_DSN_IDC_LIST);
+    e.SetEventObject(list);
+    e.SetInt(index);
+    list->GetEventHandler()->ProcessEvent(e);
+}
+
+void tick(wxWindow* dlg, int id, bool on) {
+    auto* box = wxDynamicCast(dlg->FindWindow(id), wxCheckBox);
+    ASSERT_NE(box, nullptr);
+    box->SetValue(on);
+    wxCommandEvent e(wxEVT_CHECKBOX, id);
+    e.SetEventObject(box);
+    e.SetInt(on);
+    box->GetEventHandler()->ProcessEvent(e);
+}
+
+void type(wxWindow* dlg, int id, const char* utf8) {
+    auto* t = wxDynamicCast(dlg->FindWindow(id), wxTextCtrl);
+    ASSERT_NE(t, nullptr);
+    t->SetValue(wxString::FromUTF8(utf8));
+}
+
+std::string listShown(wxWindow* dlg) {
+    auto* list = wxDynamicCast(dlg->FindWindow(VNT_DSN_IDC_LIST), wxListBox);
+    std::string s;
+    for (unsigned i = 0; i < list->GetCount(); ++i) s += std::string(list->GetString(i).utf8_str()) + ";";
+    return s + "@" + std::to_string(list->GetSelection());
+}
+
+class ClientDialogs : public vnt::wxtest::WxTest {
+protected:
+    void SetUp() override {
+        WxTest::SetUp();
+        site();
+    }
+    void TearDown() override {
+        Vnt_AppConnClose();
+        if (!cwd_.empty()) vnt::host::setCurDir(cwd_);
+        Vnt_UiSetPresenter(oldBox_);
+        Vnt_UiSetWindow(oldWin_);
+        Vnt_UiSetHelp(oldHelp_);
+        WxTest::TearDown();
+        vnt::host::setProgramFile("");
+        fs::remove_all(dir_);
+    }
+    // The installation on drive T: with three clients (the third's driver
+    // does not exist), databases for the first two, the modules 23 and 24.
+    void site(bool english = false) {
+        if (english) {
+            Vnt_UiSetPresenter(oldBox_);
+            Vnt_UiSetWindow(oldWin_);
+            Vnt_UiSetHelp(oldHelp_);
+            if (!cwd_.empty()) vnt::host::setCurDir(cwd_);
+            openLibrary(true);
+        }
+        const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+        dir_ = fs::temp_directory_path() / (std::string("vanto_wxdsn_") + info->name());
+        fs::remove_all(dir_);
+        for (const char* d : {"INI", "USR/Std", "Daten/M1", "Daten/M2", "Daten/M3", "Daten/M4", "Daten/Neu"})
+            fs::create_directories(dir_ / d);
+        for (const char* d : {"Daten/M1", "Daten/M2", "Daten/M4"}) std::ofstream(dir_ / d / "vanto.db");
+        ASSERT_TRUE(Vnt_LfnVolMap('T', dir_.c_str()));
+        vnt::host::setProgramFile("T:\\Fibu");
+        vnt::test::writeAppSettings(dir_, {"DsnPathSpec=Database", "DsnDBFileName=vanto.db", "DsnIsFile=1"});
+        fresh();
+        fs::copy_file(fs::path(VANTO_TEST_MODULE_DIR) / "libModStack.so", dir_ / "libModStack.so",
+                      fs::copy_options::overwrite_existing);
+        cwd_ = vnt::host::curDir();
+        ASSERT_TRUE(vnt::host::setCurDir("T:\\"));
+        vnt::test::writeIniLibrary(dir_, "Modules.vtm",
+                                   {"23, ModStack.dll, Einrichten, ModMain, 0", "24, ModStack.dll, Installation, ModMain, 0"});
+        ASSERT_TRUE(vnt::app::loadModuleTable());
+        oldBox_ = Vnt_UiSetPresenter(&box);
+        oldWin_ = Vnt_UiSetWindow(&win);
+        oldHelp_ = Vnt_UiSetHelp(&help);
+        win.SetMainWindow(main_ = win.CreateFake("main"));
+    }
+    void fresh() {
+        std::ofstream(dir_ / "INI/dsn.ini", std::ios::binary) << listText({kM, kS, kK});
+        std::ofstream(dir_ / "USR/Std/User.ini", std::ios::binary) << "[DSN]\r\nDefault=Schulze KG\r\n";
+        vnt::ini::profileReset();
+        while (Vnt_AppModQueuePop() != 0) {}
+        box.shown.clear();
+        win.beeps = 0;
+    }
+    std::string get(const std::string& name = "INI/dsn.ini") const {
+        std::ifstream in(dir_ / name, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    }
+    std::string boxes() const {
+        std::string s;
+        for (const auto& b : box.shown) s += b.text + "|";
+        return s;
+    }
+    /// The user's request as Vnt_DsnSelect makes it.
+    static VntClientSelectRequest request() {
+        VntClientSelectRequest r;
+        r.defaultClient = "Schulze KG";
+        return r;
+    }
+
+    fs::path dir_;
+    std::string cwd_;
+    VntScriptedPresenter box;
+    VntHeadlessWindowPort win;
+    VntHelpRecorder help;
+    VNT_HWND main_ = nullptr;
+
+private:
+    VntMsgPresenter* oldBox_ = nullptr;
+    VntWindowPort* oldWin_ = nullptr;
+    VntHelpPort* oldHelp_ = nullptr;
+};
+
+TEST_F(ClientDialogs, ListButtonsChangeTheFileWhenSaved) {
+    const int kYes = VNT_BTN_YES, kNo = VNT_BTN_NO;
+    const struct {
+        const char* what;
+        int chosen, button;
+        std::vector<int> answers;
+        const char* listAfter;
+        int beeps;
+        std::vector<Client> file;
+    } rows[] = {
+        {"delete", 1, VNT_DSN_IDC_DELETE, {kYes}, "M\xC3\xBCller GmbH;Kaputt;@1", 0, {kM, kK}},
+        {"delete refused", 1, VNT_DSN_IDC_DELETE, {kNo}, "M\xC3\xBCller GmbH;Schulze KG;Kaputt;@1", 0, {kM, kS, kK}},
+        {"delete, none chosen", -1, VNT_DSN_IDC_DELETE, {}, "M\xC3\xBCller GmbH;Schulze KG;Kaputt;@-1", 1,
+         {kM, kS, kK}},
+        {"up", 2, VNT_DSN_IDC_UP, {}, "M\xC3\xBCller GmbH;Kaputt;Schulze KG;@1", 0, {kM, kK, kS}},
+        {"up at the top", 0, VNT_DSN_IDC_UP, {}, "M\xC3\xBCller GmbH;Schulze KG;Kaputt;@0", 1, {kM, kS, kK}},
+        {"down", 0, VNT_DSN_IDC_DOWN, {}, "Schulze KG;M\xC3\xBCller GmbH;Kaputt;@1", 0, {kS, kM, kK}},
+        {"down at the bottom", 2, VNT_DSN_IDC_DOWN, {}, "M\xC3\xBCller GmbH;Schulze KG;Kaputt;@2", 1, {kM, kS, kK}},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.what);
+        fresh();
+        DsnIni reg(this);
+        ASSERT_TRUE(reg.LoadSettings());
+        VntDsnSelection model(reg, request());
+        VntDsnSelectDlg dlg(model, nullptr);
+        ASSERT_TRUE(dlg.IsOk());
+        dlg.Show();
+        pump(20);
+        EXPECT_EQ(listShown(&dlg), "M\xC3\xBCller GmbH;Schulze KG;Kaputt;@-1") << "none chosen at the start";
+        choose(&dlg, r.chosen);
+        for (int a : r.answers) box.answers.push_back({a});
+        click(&dlg, r.button);
+        EXPECT_EQ(listShown(&dlg), r.listAfter);
+        EXPECT_EQ(win.beeps, r.beeps);
+        EXPECT_EQ(box.shown.size(), r.answers.size());
+        EXPECT_EQ(get(), listText({kM, kS, kK})) << "not saved yet";
+        click(&dlg, VNT_DSN_IDC_SAVE);
+        EXPECT_EQ(get(), listText(r.file));
+    }
+}
+
+TEST_F(ClientDialogs, EntryDialogsChoicesAndTheDirectoryTree) {
+    const Client kV{"*=Vierter", "DtaPth=T:\\Daten\\M4"};
+    const struct {
+        const char* what;
+        int chosen, button;  // 1003 edit, 1004 insert
+        const char* name;    // UTF-8; null: left as it is
+        const char* browse;  // a directory chosen in 30026 for the path, else null
+        const char* path;    // typed path, else null
+        bool atEnd;
+        long choice;         // the dialog that asks, 0: none
+        int radio;           // the choice taken there
+        bool closed;         // the entry dialog closed
+        std::vector<Client> file;
+    } rows[] = {
+        {"rename", 1, VNT_DSN_IDC_EDIT, "Schulze & Co", nullptr, nullptr, false, 0, 0, true,
+         {kM, {"*=Schulze & Co", kS[1]}, kK}},
+        {"path from the tree", 1, VNT_DSN_IDC_EDIT, nullptr, "T:\\Daten\\M4", nullptr, false, 0, 0, true,
+         {kM, {kS[0], "DtaPth=T:\\Daten\\M4"}, kK}},
+        {"moved where nothing is: the entry only", 1, VNT_DSN_IDC_EDIT, nullptr, nullptr, "T:\\Daten\\Neu", false,
+         30024, VNT_DSN_IDC_ONLY, true, {kM, {kS[0], "DtaPth=T:\\Daten\\Neu"}, kK}},
+        {"moved where nothing is: cancelled", 1, VNT_DSN_IDC_EDIT, nullptr, nullptr, "T:\\Daten\\Neu", false, 30024,
+         wxID_CANCEL, false, {kM, kS, kK}},
+        {"new before the chosen", 1, VNT_DSN_IDC_INSERT, "Vierter", nullptr, "T:\\Daten\\M4", false, 30025,
+         VNT_DSN_IDC_ONLY, true, {kM, kV, kS, kK}},
+        {"new at the end", 1, VNT_DSN_IDC_INSERT, "Vierter", "T:\\Daten\\M4", nullptr, true, 30025, VNT_DSN_IDC_ONLY,
+         true, {kM, kS, kK, kV}},
+        {"a name that is taken", 1, VNT_DSN_IDC_INSERT, "kaputt", nullptr, "T:\\Daten\\M4", false, 0, 0, false,
+         {kM, kS, kK}},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.what);
+        fresh();
+        DsnIni reg(this);
+        ASSERT_TRUE(reg.LoadSettings());
+        VntDsnSelection model(reg, request());
+        VntDsnSelectDlg dlg(model, nullptr);
+        dlg.Show();
+        pump(20);
+        choose(&dlg, r.chosen);
+        const long entryNumber = r.button == VNT_DSN_IDC_EDIT ? 30022 : 30023;
+        bool entrySeen = false, choiceSeen = false, stayed = false;
+        std::string treePath;
+        soon([&] {
+            auto* entry = shown<VntDsnEntryDlg>(entryNumber);
+            ASSERT_NE(entry, nullptr);
+            entrySeen = true;
+            if (r.name) type(entry, VNT_DSN_IDC_NAME, r.name);
+            if (r.path) type(entry, VNT_DSN_IDC_PATH, r.path);
+            if (r.atEnd) tick(entry, VNT_DSN_IDC_ATEND, true);
+            if (r.browse) {
+                soon([&] {
+                    auto* tree = shown<VntDsnDirDlg>(30026);
+                    ASSERT_NE(tree, nullptr);
+                    EXPECT_TRUE(tree->SelectPath(r.browse));
+                    click(tree, wxID_OK);
+                    treePath = tree->Path();
+                });
+                click(entry, VNT_DSN_IDC_BROWSE);
+            }
+            if (r.choice) {
+                soon([&] {
+                    auto* choice = shown<VntDsnChoiceDlg>(r.choice);
+                    ASSERT_NE(choice, nullptr);
+                    choiceSeen = true;
+                    auto* only = wxDynamicCast(choice->FindWindow(VNT_DSN_IDC_ONLY), wxRadioButton);
+                    ASSERT_TRUE(only && only->GetValue()) << "the first choice is preselected";
+                    if (r.radio == wxID_CANCEL) {
+                        click(choice, wxID_CANCEL);
+                    } else {
+                        wxDynamicCast(choice->FindWindow(r.radio), wxRadioButton)->SetValue(true);
+                        click(choice, wxID_OK);
+                    }
+                });
+            }
+            click(entry, wxID_OK);
+            if (entry->IsShown()) {  // refused or cancelled: it stays, the user gives up
+                stayed = true;
+                click(entry, wxID_CANCEL);
+            }
+        });
+        click(&dlg, r.button);
+        EXPECT_TRUE(entrySeen);
+        EXPECT_EQ(choiceSeen, r.choice != 0);
+        EXPECT_EQ(stayed, !r.closed);
+        EXPECT_EQ(treePath, r.browse ? r.browse : "");
+        click(&dlg, VNT_DSN_IDC_SAVE);
+        EXPECT_EQ(get(), listText(r.file)) << boxes();
+    }
+}
+
+TEST_F(ClientDialogs, VntDlgDsnShowsTheSelectionOkConnectsAndKeepsTheChoices) {
+    ASSERT_NE(dynamic_cast<VntWxClientSelect*>(&Vnt_UiClientSelect()), nullptr) << "installed by Vnt_WxInit";
+    bool sawDefault = true, seen = false;
+    soon([&] {
+        auto* dlg = shown<VntDsnSelectDlg>(30021);
+        ASSERT_NE(dlg, nullptr);
+        seen = true;
+        click(dlg, wxID_OK);  // none chosen: nothing happens
+        ASSERT_TRUE(dlg->IsShown());
+        choose(dlg, 2);
+        box.answers = {{VNT_BTN_YES}};
+        click(dlg, VNT_DSN_IDC_DELETE);
+        choose(dlg, 1);
+        EXPECT_TRUE(wxDynamicCast(dlg->FindWindow(VNT_DSN_IDC_DEFAULT), wxCheckBox)->GetValue()) << "the default";
+        choose(dlg, 0);
+        sawDefault = wxDynamicCast(dlg->FindWindow(VNT_DSN_IDC_DEFAULT), wxCheckBox)->GetValue();
+        tick(dlg, VNT_DSN_IDC_DEFAULT, true);
+        tick(dlg, VNT_DSN_IDC_NOSHOW, true);
+        EXPECT_TRUE(wxDynamicCast(dlg->FindWindow(VNT_DSN_IDC_NOSHOW), wxCheckBox)->GetValue());
+        click(dlg, wxID_OK);
+    });
+    VntDatabase* db = nullptr;
+    EXPECT_TRUE(Vnt_DlgDsn("ODBC;", &db, false, true)) << boxes();
+    EXPECT_TRUE(seen);
+    ASSERT_NE(db, nullptr);
+    EXPECT_TRUE(db->IsOpen());
+    EXPECT_STREQ(Vnt_AppDSN(), "M\xFCller GmbH");
+    EXPECT_FALSE(sawDefault) << "the default client is another";
+    EXPECT_EQ(get(), listText({kM, kS}));
+    // The dialog's place is kept as well (where the window system put it).
+    EXPECT_THAT(get("USR/Std/User.ini"),
+                ::testing::MatchesRegex("\\[DSN\\]\r\nDefault=M\xFCller GmbH\r\nShowDlg=0\r\nX=[0-9]+\r\nY=[0-9]+\r\n"));
+    int changes = 0;
+    for (const auto& m : win.Messages(main_)) changes += m.msg == 0x7F15;
+    EXPECT_GE(changes, 1) << "the main window heard of the new connection";
+}
+
+TEST_F(ClientDialogs, CancelAsksAboutChangesAndEscapeCloses) {
+    ASSERT_TRUE(Vnt_DsnConnectClient("Schulze KG")) << boxes();
+    const std::string before = Vnt_AppConnGet();
+    box.shown.clear();
+    soon([&] {
+        auto* dlg = shown<VntDsnSelectDlg>(30021);
+        ASSERT_NE(dlg, nullptr);
+        choose(dlg, 1);
+        box.answers = {{VNT_BTN_YES}, {VNT_BTN_NO}, {VNT_BTN_YES}};
+        click(dlg, VNT_DSN_IDC_DELETE);
+        click(dlg, wxID_CANCEL);
+        EXPECT_TRUE(dlg->IsShown()) << "No keeps the selection open";
+        dlg->FindWindow(VNT_DSN_IDC_LIST)->SetFocus();
+        wxUIActionSimulator().Char(WXK_ESCAPE);
+    });
+    // Cancel ends Vnt_DlgDsn's loop (and the program without a client):
+    // one round of the selection shows it.
+    EXPECT_EQ(Vnt_DsnSelect("ODBC;", false, true), VNT_RESP_CANCEL);
+    ASSERT_EQ(box.shown.size(), 3u) << boxes();
+    EXPECT_NE(box.shown[0].text.find("Schulze KG"), std::string::npos) << box.shown[0].text;
+    EXPECT_NE(box.shown[1].text.find("nicht gespeichert"), std::string::npos) << box.shown[1].text;
+    EXPECT_EQ(box.shown[2].text, box.shown[1].text);
+    EXPECT_EQ(get(), listText({kM, kS, kK})) << "nothing written";
+    EXPECT_EQ(Vnt_AppConnGet(), before);
+    EXPECT_STREQ(Vnt_AppDSN(), "Schulze KG");
+}
+
+TEST_F(ClientDialogs, ListLockedWhileASecondRegistryIsAlive) {
+    for (bool second : {false, true}) {
+        SCOPED_TRACE(second ? "second registry" : "alone");
+        std::unique_ptr<DsnIni> outer(second ? new DsnIni : nullptr);
+        DsnIni reg(this);
+        ASSERT_TRUE(reg.LoadSettings());
+        VntDsnSelection model(reg, request());
+        VntDsnSelectDlg dlg(model, nullptr);
+        for (int id = VNT_DSN_IDC_DEFAULT; id <= VNT_DSN_IDC_DOWN; ++id)
+            EXPECT_EQ(dlg.FindWindow(id)->IsEnabled(), !second) << id;
+        for (int id : {int(VNT_DSN_IDC_LIST), int(wxID_OK), int(wxID_CANCEL), int(VNT_DSN_IDC_HELP)})
+            EXPECT_TRUE(dlg.FindWindow(id)->IsEnabled()) << id;
+    }
+}
+
+TEST_F(ClientDialogs, SupplementStartsTheInstallationAndHelpOpensItsTopic) {
+    fs::remove(dir_ / "Daten/M2/vanto.db");
+    DsnIni reg(this);
+    ASSERT_TRUE(reg.LoadSettings());
+    VntDsnSelection model(reg, request());
+    VntDsnSelectDlg dlg(model, nullptr);
+    dlg.Show();
+    pump(20);
+    choose(&dlg, 1);
+    EXPECT_TRUE(wxDynamicCast(dlg.FindWindow(VNT_DSN_IDC_DEFAULT), wxCheckBox)->GetValue()) << "the default client";
+    box.answers = {{VNT_BTN_YES}, {VNT_BTN_YES}};
+    Vnt_AppModSetResult(0);
+    Vnt_AppModQueuePush(7);  // what module 24 answers
+    click(&dlg, VNT_DSN_IDC_SUPPLEMENT);
+    ASSERT_EQ(box.shown.size(), 2u) << "60362, then 60358 for the missing path";
+    EXPECT_NE(box.shown[1].text.find("T:\\Daten\\M2"), std::string::npos) << box.shown[1].text;
+    EXPECT_EQ(Vnt_AppModResult(), 7) << "module 24 ran";
+    EXPECT_EQ(get(), listText({kM, kS, kK}));
+
+    click(&dlg, VNT_DSN_IDC_HELP);
+    ASSERT_EQ(help.requests.size(), 1u);
+    EXPECT_EQ(help.requests[0].command, VntHelpCommand::Context);
+    EXPECT_EQ(help.requests[0].context, 30021);
+}
+
+// ---------------------------------------------------------------------------
+// Pictures
+// ---------------------------------------------------------------------------
+
+// Every visible control shows its whole text and lies inside its parent,
+// and no two controls of one parent overlap.
+void checkLayout(wxWindow* parent, const std::string& where) {
+    std::vector<wxWindow*> kids;
+    for (wxWindow* c : parent->GetChildren())
+        if (c->IsShown() && !c->IsTopLevel()) kids.push_back(c);
+    const wxRect area(wxPoint(0, 0), parent->GetClientSize());
+    for (wxWindow* c : kids) {
+        const std::string name = where + "/" + std::string(c->GetName().utf8_str()) + " \"" +
+                                 std::string(c->GetLabel().utf8_str()) + "\"";
+        const wxSize best = c->GetBestSize(), got = c->GetSize();
+        EXPECT_TRUE(got.x >= best.x && got.y >= best.y)
+            << name << " clipped: " << got.x << "x" << got.y << " < " << best.x << "x" << best.y;
+        EXPECT_TRUE(area.Contains(c->GetRect())) << name << " outside its parent";
+        for (wxWindow* o : kids)
+            if (o != c && c->GetRect().Intersects(o->GetRect()))
+                ADD_FAILURE() << name << " overlaps " << o->GetName().utf8_str();
+        checkLayout(c, name);
+    }
+}
+
+// Buttons, check boxes and field labels carry access keys, each key once
+// per dialog; only the texts the resource has without one ("OK",
+// "Abbrechen" of 30021 and 30026, and their English forms) go without.
+void checkAccessKeys(wxWindow* dlg, const std::string& where) {
+    std::map<wxUniChar, std::string> keys;
+    std::function<void(wxWindow*)> walk = [&](wxWindow* w) {
+        for (wxWindow* c : w->GetChildren()) {
+            walk(c);
+            const bool field = wxDynamicCast(c, wxStaticText) && (c->GetId() == 1040 || c->GetId() == 1041);
+            if (!wxDynamicCast(c, wxButton) && !wxDynamicCast(c, wxCheckBox) && !field) continue;
+            const wxString label = c->GetLabel();
+            const std::string text(label.utf8_str());
+            const int amp = label.Find('&');
+            if (amp == wxNOT_FOUND || amp + 1 >= int(label.size())) {
+                EXPECT_TRUE(text == "OK" || text == "Abbrechen" || text == "Cancel") << where << ": no key in " << text;
+                continue;
+            }
+            const wxUniChar key = wxString(label[amp + 1]).Lower()[0];
+            EXPECT_TRUE(keys.emplace(key, text).second) << where << ": " << text << " and " << keys[key];
+        }
+    };
+    walk(dlg);
+}
+
+std::string shotDir() {
+    const fs::path exe(std::string(wxStandardPaths::Get().GetExecutablePath().utf8_str()));
+    const fs::path dir = exe.parent_path().parent_path() / "shots";
+    fs::create_directories(dir);
+    return dir.string();
+}
+
+// The window as the screen shows it, as a PNG; the file's path.
+std::string picture(wxWindow* w, const std::string& name) {
+    if (!wxImage::FindHandler(wxBITMAP_TYPE_PNG)) wxImage::AddHandler(new wxPNGHandler);
+    w->Raise();
+    w->Refresh();
+    w->Update();
+    pump(150);
+    const wxSize size = w->GetSize();
+    wxBitmap bmp(size);
+    {
+        wxWindowDC from(w);
+        wxMemoryDC to(bmp);
+        to.Blit(0, 0, size.x, size.y, &from, 0, 0);
+    }
+    const std::string file = shotDir() + "/" + name + ".png";
+    EXPECT_TRUE(bmp.SaveFile(wxString::FromUTF8(file), wxBITMAP_TYPE_PNG)) << file;
+    return file;
+}
+
+TEST_F(ClientDialogs, PicturesOfEveryDialogInBothLanguages) {
+    struct Lang { const char* code; std::vector<std::string> titles; };
+    const Lang langs[] = {
+        {"DEU", {"Mandantenauswahl", "Mandanteneintrag \xC3\xA4ndern", "Neuen Mandanten anlegen",
+                 "Mandanteneintrag bearbeiten", "Neuen Mandanteneintrag erzeugen", "Verzeichnisauswahl"}},
+        {"ENU", {"Client selection", "Change client entry", "Create new client", "Edit client entry",
+                 "Create new client entry", "Select directory"}},
+    };
+    for (const Lang& l : langs) {
+        SCOPED_TRACE(l.code);
+        if (std::string(l.code) == "ENU") {
+            fs::remove_all(dir_);
+            site(true);
+        }
+        DsnIni reg(this);
+        ASSERT_TRUE(reg.LoadSettings());
+        VntDsnSelection model(reg, request());
+        std::vector<std::unique_ptr<VntDlg>> dlgs;
+        auto* sel = new VntDsnSelectDlg(model, nullptr);
+        dlgs.emplace_back(sel);
+        VntDsnEntryEdit change(model, 1), add(model, -1);
+        dlgs.emplace_back(new VntDsnEntryDlg(change, nullptr));
+        dlgs.emplace_back(new VntDsnEntryDlg(add, nullptr));
+        dlgs.emplace_back(new VntDsnChoiceDlg(30024, nullptr));
+        dlgs.emplace_back(new VntDsnChoiceDlg(30025, nullptr));
+        auto* tree = new VntDsnDirDlg(Vnt_DsnDirStart("T:\\Daten\\M1\\vanto.db"), nullptr);
+        dlgs.emplace_back(tree);
+        for (std::size_t i = 0; i < dlgs.size(); ++i) {
+            VntDlg* d = dlgs[i].get();
+            ASSERT_TRUE(d->IsOk()) << i;
+            SCOPED_TRACE(d->ResourceNumber());
+            EXPECT_EQ(std::string(d->GetTitle().utf8_str()), l.titles[i]);
+            if (d == sel) choose(sel, 1);
+            d->Show();
+            pump(30);
+            checkLayout(d, "dlg" + std::to_string(d->ResourceNumber()));
+            checkAccessKeys(d, "dlg" + std::to_string(d->ResourceNumber()));
+            const std::string file = picture(d, "dlg" + std::to_string(d->ResourceNumber()) + "_" + l.code);
+            std::printf("picture: %s\n", file.c_str());
+            d->Hide();
+        }
+        EXPECT_EQ(std::string(tree->Path()), "") << "nothing chosen yet";
+        for (auto& d : dlgs) d.release()->Destroy();
+        pump(20);
+    }
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(ClientDialogs, FieldLabelsAccessKeysReachTheirFields) {
+    DsnIni reg(this);
+    ASSERT_TRUE(reg.LoadSettings());
+    VntDsnSelection model(reg, request());
+    VntDsnEntryEdit change(model, 1);
+    VntDsnEntryDlg dlg(change, nullptr);
+    dlg.Show();
+    pump(50);
+    dlg.FindWindow(wxID_OK)->SetFocus();
+    pump(20);
+    wxUIActionSimulator().Char('p', wxMOD_ALT);
+    EXPECT_TRUE(pumpUntil([&] { return wxWindow::FindFocus() == dlg.FindWindow(VNT_DSN_IDC_PATH); }, 1000));
+    wxUIActionSimulator().Char('b', wxMOD_ALT);
+    EXPECT_TRUE(pumpUntil([&] { return wxWindow::FindFocus() == dlg.FindWindow(VNT_DSN_IDC_NAME); }, 1000));
+}
+
+}  // namespace
