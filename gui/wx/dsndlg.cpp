@@ -258,7 +258,7 @@ void VntDsnDirDlg::expand(wxTreeItemId item) {
     DirItem* d = dirOf(tree_, item);
     if (!d || d->listed) return;
     d->listed = true;
-    const std::string dir = d->path;  // AppendItem may move nothing, but keep a copy
+    const std::string dir = d->path;
     const std::vector<std::string> names = Vnt_DsnDirChildren(dir.c_str());
     for (const std::string& n : names) addDir(item, n, joinPath(dir, n));
     if (names.empty()) tree_->SetItemHasChildren(item, false);

@@ -11,7 +11,8 @@
 //          "&Bearbeiten..."     VntDsnEntryEdit(selection, Selected())
 //          "&Einfügen..."       VntDsnEntryEdit(selection, -1)
 //          "&Löschen..."        Delete        "&Speichern"  Save
-//          "Er&gänzen..."       Supplement    "&Hilfe"      Help
+//          "Er&gänzen..."       Supplement    "&Hilfe"      the help of the
+//                                                              dialog (topic 30021)
 //          "&< Auf" / "Ab &>"   MoveUp / MoveDown
 //   30022/30023 "&OK"           VntDsnEntryEdit::Ok
 //   30026  the directory tree   Vnt_DsnDirRoots, Vnt_DsnDirChildren
@@ -114,9 +115,6 @@ public:
     /// starts the client installation (module 24) for the path. No entry
     /// chosen: a beep. True when the installation ran with success.
     bool Supplement();
-    /// "&Hilfe": the program's help at the topic of `dialog` (help context =
-    /// the dialog's number). False when the help could not be opened.
-    bool Help(long dialog = 30021);
 
 private:
     bool move(int by);

@@ -14,7 +14,6 @@
 #include "vanto/lfn.h"
 #include "vanto/msg.h"
 #include "vanto/text.h"
-#include "vanto/ui/help.h"
 #include "vanto/ui/window.h"
 
 namespace {
@@ -135,14 +134,6 @@ bool VntDsnSelection::Supplement() {
     const std::string path = registry_.Entry(selected_)->path;
     if (!Vnt_DsnPathExists(path.c_str()) && Vnt_MsgSys(kMsgPathMissing, path.c_str()) != VNT_RESP_OK) return false;
     return Vnt_DsnInstallClient(path.c_str());
-}
-
-bool VntDsnSelection::Help(long dialog) {
-    VntHelpRequest r;
-    if (!Vnt_HelpFileName(r.file)) return false;
-    r.command = VntHelpCommand::Context;
-    r.context = dialog;
-    return Vnt_UiHelp().Open(r);
 }
 
 // ---------------------------------------------------------------------------

@@ -554,6 +554,23 @@ TEST_F(ClientDialogs, PicturesOfEveryDialogInBothLanguages) {
 
 namespace {
 
+TEST_F(ClientDialogs, TheSelectionOpensWhereItWasLeft) {
+    std::ofstream(dir_ / "USR/Std/User.ini", std::ios::binary) << "[DSN]\r\nX=123\r\nY=77\r\n";
+    vnt::ini::profileReset();
+    DsnIni reg(this);
+    ASSERT_TRUE(reg.LoadSettings());
+    VntDsnSelection model(reg, request());
+    VntDsnSelectDlg dlg(model, nullptr);
+    dlg.Show();
+    pump(50);
+    EXPECT_EQ(dlg.GetPosition(), wxPoint(123, 77));
+    dlg.Move(140, 90);
+    pump(50);
+    click(&dlg, wxID_CANCEL);
+    EXPECT_FALSE(dlg.IsShown());
+    EXPECT_EQ(get("USR/Std/User.ini"), "[DSN]\r\nX=140\r\nY=90\r\n");
+}
+
 TEST_F(ClientDialogs, FieldLabelsAccessKeysReachTheirFields) {
     DsnIni reg(this);
     ASSERT_TRUE(reg.LoadSettings());
