@@ -18,6 +18,7 @@
 #include "vanto/ui/msgbox.h"
 #include "vanto/ui/window.h"
 #include "vanto/vtm.h"
+#include "scratch.h"
 
 namespace fs = std::filesystem;
 using namespace std::string_literals;
@@ -41,7 +42,7 @@ class AppLifecycle : public ::testing::Test {
 protected:
     void SetUp() override {
         cwd_ = vnt::host::curDir();
-        dir_ = fs::temp_directory_path() / ("vanto_applife_" + std::to_string(std::random_device{}()));
+        dir_ = vnt::test::scratchDir("vanto_applife_");
         fs::create_directories(dir_ / "sub");
         fs::copy_file(VANTO_SYSLIB_EN, dir_ / "VNT60LIB.VTM");
         old_ = Vnt_UiSetPresenter(&box);

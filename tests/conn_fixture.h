@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "scratch.h"
 #include "support.h"
 #include "vanto/dsn.h"
 #include "vanto/lfn.h"
@@ -30,14 +31,7 @@ class Site : public Base {
 protected:
     void SetUp() override {
         resetAll();
-        // One directory per build and test: the children of a death test
-        // use their parent's, which the parent removes at the end.
-        const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-        std::string test = std::string(info->test_suite_name()) + "_" + info->name();
-        std::replace(test.begin(), test.end(), '/', '_');
-        dir_ = std::filesystem::temp_directory_path() /
-               ("vanto_db_" + std::to_string(std::hash<std::string>{}(VANTO_SYSLIB_EN)) + "_" + test);
-        std::filesystem::remove_all(dir_);
+        dir_ = scratchDir("vanto_db_");
         std::filesystem::create_directories(dir_ / "INI");
         ASSERT_TRUE(Vnt_LfnVolMap('T', dir_.c_str()));
         vnt::host::setProgramFile("T:\\Fibu");

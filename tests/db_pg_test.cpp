@@ -106,7 +106,9 @@ const vnt::test::ConnBackend kPostgres{
     [](std::string& why) { return pg->ready(why); },
     [](int n) {
         return std::vector<std::string>{"Servername=127.0.0.1", "Port=" + std::to_string(pg->port()),
-                                        "Database=vanto_m" + std::to_string(n), "UID=vanto", "PWD=geheim"};
+                                        "Database=vanto_m" + std::to_string(n), "UID=vanto", "PWD=geheim",
+                                        // The driver's own log would stay behind in /tmp.
+                                        "CommLog=0", "Debug=0"};
     },
 };
 

@@ -19,6 +19,7 @@
 #include "vanto/stat.h"
 #include "vanto/ui/msgbox.h"
 #include "vanto/ui/progress.h"
+#include "scratch.h"
 
 namespace fs = std::filesystem;
 using vnt::host::Op;
@@ -33,8 +34,7 @@ class FileCopy : public ::testing::Test {
 protected:
     void SetUp() override {
         vnt::test::resetAll();
-        base_ = fs::temp_directory_path() /
-                ("vanto_fcopy_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+        base_ = vnt::test::scratchDir("vanto_fcopy_");
         fs::remove_all(base_);
         fs::create_directories(base_ / "src"), fs::create_directories(base_ / "dst");
         ASSERT_TRUE(Vnt_LfnVolMap('T', base_.c_str()));

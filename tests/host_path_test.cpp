@@ -10,6 +10,7 @@
 #include "host/host.h"
 #include "vanto/lfn.h"
 #include "vanto/text.h"
+#include "scratch.h"
 
 namespace fs = std::filesystem;
 using namespace vnt::host;
@@ -20,8 +21,7 @@ class HostTest : public ::testing::Test {
 protected:
     void SetUp() override {
         savedCwd_ = fs::current_path();
-        root_ = fs::temp_directory_path() /
-                ("vanto_host_" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+        root_ = vnt::test::scratchDir("vanto_host_");
         fs::remove_all(root_);
         fs::create_directories(root_ / "Daten" / "Mandant1");
         std::ofstream(root_ / "Daten" / "Mandant1" / "File.TXT") << "0123456789";

@@ -10,6 +10,7 @@
 #include "host/host.h"
 #include "lfn/lfn_state.h"
 #include "vanto/lfn.h"
+#include "scratch.h"
 
 namespace fs = std::filesystem;
 
@@ -22,8 +23,7 @@ const char* show(const char* s) { return s ? s : "null"; }
 class LfnDir : public ::testing::Test {
 protected:
     void SetUp() override {
-        base_ = fs::temp_directory_path() /
-                ("vanto_lfndir_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+        base_ = vnt::test::scratchDir("vanto_lfndir_");
         fs::remove_all(base_);
         for (const char* dir : {"t/a/b", "t/Data", "u/sub"}) fs::create_directories(base_ / dir);
         std::ofstream(base_ / "t" / "file.txt") << "x";

@@ -19,6 +19,7 @@
 #include "vanto/lfn.h"
 #include "vanto/ui/filedlg.h"
 #include "vanto/ui/msgbox.h"
+#include "scratch.h"
 
 namespace fs = std::filesystem;
 using ::testing::ElementsAre;
@@ -33,8 +34,7 @@ class LfnFind : public ::testing::Test {
 protected:
     void SetUp() override {
         vnt::test::resetAll(), vnt::lfn::resetState();
-        base_ = fs::temp_directory_path() /
-                ("vanto_lfnfind_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+        base_ = vnt::test::scratchDir("vanto_lfnfind_");
         fs::remove_all(base_);
         for (const char* d : {"t/a/b", "t/a/.hidden", "t/prog"}) fs::create_directories(base_ / d);
         for (const char* f : {"a/file2.TXT", "a/readme", "a/.dot.txt", "a/b/inner.dat", "prog/Fibu", "prog/only.ini"})

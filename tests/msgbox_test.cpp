@@ -21,6 +21,7 @@
 #include "vanto/ui/help.h"
 #include "vanto/ui/window.h"
 #include "vtmtool/vtm_writer.h"
+#include "scratch.h"
 
 namespace fs = std::filesystem;
 using vnt::msg::showBox;
@@ -70,7 +71,7 @@ class MsgBox : public ::testing::Test {
 protected:
     void SetUp() override {
         vnt::test::resetAll();
-        base_ = fs::temp_directory_path() / ("vanto_msgbox_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+        base_ = vnt::test::scratchDir("vanto_msgbox_");
         fs::remove_all(base_), fs::create_directories(base_ / "prog");
         vnt::host::setProgramFile(lib(base_ / "prog" / "Fibu"));
         Vnt_UiSetPresenter(&box), Vnt_UiSetHelp(&help), Vnt_UiSetWindow(&win);

@@ -14,6 +14,7 @@
 #include "msg/vtm_internal.h"
 #include "vanto/vtm.h"
 #include "vtmtool/vtm_writer.h"
+#include "scratch.h"
 
 namespace fs = std::filesystem;
 using Bytes = std::vector<unsigned char>;
@@ -79,7 +80,7 @@ protected:
         return p;
     }
     VNT_MSG open(const std::string& name, const Bytes& bytes) { return Vnt_VtmOpen(put(name, bytes).c_str()); }
-    const fs::path dir_ = fs::temp_directory_path() / ("vanto_vtm_" + std::to_string(std::random_device{}()));
+    const fs::path dir_ = vnt::test::scratchDir("vanto_vtm_");
 };
 
 // Opens of one broken sample each: failures leave nothing behind; preload

@@ -17,6 +17,7 @@
 #include "vtmtool/cp1252.h"
 #include "vtmtool/vtm_source.h"
 #include "vtmtool/vtm_writer.h"
+#include "scratch.h"
 
 namespace fs = std::filesystem;
 using namespace vtmtool;
@@ -258,7 +259,7 @@ protected:
         EXPECT_EQ(d.withErr(), "0 ") << vtm;
         EXPECT_EQ(readFile(compile("again", d.out)), readFile(vtm)) << d.out;
     }
-    const fs::path dir_ = fs::temp_directory_path() / ("vanto_vtmtools_" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+    const fs::path dir_ = vnt::test::scratchDir("vanto_vtmtools_");
 };
 
 const char* const kLibrary = "library ORDERS\npreload 3\n1 \";Kommentar\"\n10 \"Auftrag\\tgespeichert\"\n"

@@ -1,0 +1,48 @@
+// Scratch directories of the tests: one per process and test, so that runs
+// side by side never share one, and removed when the process ends, also
+// when it ends inside a death test whose child ran its own set-up.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace vnt::test {
+
+namespace detail {
+// Removed by the process that made them: a forked death-test child ends
+// with exit() too and must leave its parent's directories alone.
+struct ScratchList {
+    std::vector<std::pair<std::filesystem::path, pid_t>> dirs;
+    ~ScratchList() {
+        std::error_code ec;
+        for (const auto& [dir, owner] : dirs)
+            if (owner == ::getpid()) std::filesystem::remove_all(dir, ec);
+    }
+};
+inline ScratchList& scratchList() {
+    static ScratchList list;
+    return list;
+}
+}  // namespace detail
+
+/// `<temp>/<prefix><suite>_<test>_<pid>`, emptied; removed at the latest
+/// when the process ends.
+inline std::filesystem::path scratchDir(const std::string& prefix) {
+    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+    std::string test = info ? std::string(info->test_suite_name()) + "_" + info->name() : "";
+    std::replace(test.begin(), test.end(), '/', '_');
+    const std::filesystem::path dir =
+        std::filesystem::temp_directory_path() / (prefix + test + "_" + std::to_string(::getpid()));
+    std::error_code ec;
+    std::filesystem::remove_all(dir, ec);
+    detail::scratchList().dirs.emplace_back(dir, ::getpid());
+    return dir;
+}
+
+}  // namespace vnt::test
