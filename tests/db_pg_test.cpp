@@ -89,6 +89,12 @@ private:
                 " -c \"CREATE ROLE vanto LOGIN PASSWORD 'geheim'\" -c 'CREATE DATABASE vanto_m1 OWNER vanto'"
                 " -c 'CREATE DATABASE vanto_m2 OWNER vanto'" + log) != 0)
             return fail(Ready::Broken, "psql could not create the role and databases, see " + dir_ + "/setup.log");
+        // The driver as installed, with its own log (files in /tmp that
+        // nobody removes) turned off; the driver reads this when it loads.
+        if (run("odbcinst -q -d -n 'PostgreSQL Unicode' | grep -v -i -e '^CommLog' -e '^Debug' >" +
+                sq(dir_ + "/odbcinst.ini") + " && printf 'CommLog=0\\nDebug=0\\n' >>" + sq(dir_ + "/odbcinst.ini")) != 0)
+            return fail(Ready::Broken, "cannot write " + dir_ + "/odbcinst.ini");
+        ::setenv("ODBCSYSINI", dir_.c_str(), 1);
         return Ready::Yes;
     }
 
@@ -106,9 +112,7 @@ const vnt::test::ConnBackend kPostgres{
     [](std::string& why) { return pg->ready(why); },
     [](int n) {
         return std::vector<std::string>{"Servername=127.0.0.1", "Port=" + std::to_string(pg->port()),
-                                        "Database=vanto_m" + std::to_string(n), "UID=vanto", "PWD=geheim",
-                                        // The driver's own log would stay behind in /tmp.
-                                        "CommLog=0", "Debug=0"};
+                                        "Database=vanto_m" + std::to_string(n), "UID=vanto", "PWD=geheim"};
     },
 };
 
