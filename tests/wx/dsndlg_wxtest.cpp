@@ -554,6 +554,36 @@ TEST_F(ClientDialogs, PicturesOfEveryDialogInBothLanguages) {
 
 namespace {
 
+TEST_F(ClientDialogs, InstallationChosenInTheEntryDialogStartsModules24And23) {
+    DsnIni reg(this);
+    ASSERT_TRUE(reg.LoadSettings());
+    VntDsnSelection model(reg, request());
+    VntDsnSelectDlg dlg(model, nullptr);
+    dlg.Show();
+    pump(20);
+    choose(&dlg, 1);
+    for (long result : {1L, 1L}) Vnt_AppModQueuePush(result);  // module 24, then 23
+    soon([&] {
+        auto* entry = shown<VntDsnEntryDlg>(30022);
+        ASSERT_NE(entry, nullptr);
+        type(entry, VNT_DSN_IDC_PATH, "T:\\Daten\\Neu");
+        soon([&] {
+            auto* choice = shown<VntDsnChoiceDlg>(30024);
+            ASSERT_NE(choice, nullptr);
+            wxDynamicCast(choice->FindWindow(VNT_DSN_IDC_INSTALL), wxRadioButton)->SetValue(true);
+            click(choice, wxID_OK);
+        });
+        click(entry, wxID_OK);
+        EXPECT_FALSE(entry->IsShown());
+    });
+    click(&dlg, VNT_DSN_IDC_EDIT);
+    EXPECT_EQ(Vnt_AppModQueuePop(), 0) << "both modules ran";
+    EXPECT_STREQ(Vnt_AppDSN(), "Schulze KG") << "connected at the new path";
+    EXPECT_STREQ(Vnt_AppDataPath(), "T:\\Daten\\Neu");
+    click(&dlg, VNT_DSN_IDC_SAVE);
+    EXPECT_EQ(get(), listText({kM, {kS[0], "DtaPth=T:\\Daten\\Neu"}, kK}));
+}
+
 TEST_F(ClientDialogs, TheSelectionOpensWhereItWasLeft) {
     std::ofstream(dir_ / "USR/Std/User.ini", std::ios::binary) << "[DSN]\r\nX=123\r\nY=77\r\n";
     vnt::ini::profileReset();
