@@ -28,7 +28,7 @@ constexpr int kFieldLimit = VNT_MAX_PATH - 1;
 
 template <class T>
 T* control(wxWindow* dlg, int id) {
-    return wxDynamicCast(dlg->FindWindow(id), T);
+    return dynamic_cast<T*>(dlg->FindWindow(id));
 }
 
 bool sameText(const std::string& a, const std::string& b) {

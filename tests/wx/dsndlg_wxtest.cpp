@@ -74,7 +74,7 @@ void click(wxWindow* dlg, int id) {
 }
 
 void choose(wxWindow* dlg, int index) {
-    auto* list = wxDynamicCast(dlg->FindWindow(VNT_DSN_IDC_LIST), wxListBox);
+    auto* list = dynamic_cast<wxListBox*>(dlg->FindWindow(VNT_DSN_IDC_LIST));
     ASSERT_NE(list, nullptr);
     if (index < 0) list->DeselectAll();
     else list->SetSelection(index);
@@ -85,7 +85,7 @@ void choose(wxWindow* dlg, int index) {
 }
 
 void tick(wxWindow* dlg, int id, bool on) {
-    auto* box = wxDynamicCast(dlg->FindWindow(id), wxCheckBox);
+    auto* box = dynamic_cast<wxCheckBox*>(dlg->FindWindow(id));
     ASSERT_NE(box, nullptr);
     box->SetValue(on);
     wxCommandEvent e(wxEVT_CHECKBOX, id);
@@ -95,13 +95,13 @@ void tick(wxWindow* dlg, int id, bool on) {
 }
 
 void type(wxWindow* dlg, int id, const char* utf8) {
-    auto* t = wxDynamicCast(dlg->FindWindow(id), wxTextCtrl);
+    auto* t = dynamic_cast<wxTextCtrl*>(dlg->FindWindow(id));
     ASSERT_NE(t, nullptr);
     t->SetValue(wxString::FromUTF8(utf8));
 }
 
 std::string listShown(wxWindow* dlg) {
-    auto* list = wxDynamicCast(dlg->FindWindow(VNT_DSN_IDC_LIST), wxListBox);
+    auto* list = dynamic_cast<wxListBox*>(dlg->FindWindow(VNT_DSN_IDC_LIST));
     std::string s;
     for (unsigned i = 0; i < list->GetCount(); ++i) s += std::string(list->GetString(i).utf8_str()) + ";";
     return s + "@" + std::to_string(list->GetSelection());
@@ -291,12 +291,12 @@ TEST_F(ClientDialogs, EntryDialogsChoicesAndTheDirectoryTree) {
                     auto* choice = shown<VntDsnChoiceDlg>(r.choice);
                     ASSERT_NE(choice, nullptr);
                     choiceSeen = true;
-                    auto* only = wxDynamicCast(choice->FindWindow(VNT_DSN_IDC_ONLY), wxRadioButton);
+                    auto* only = dynamic_cast<wxRadioButton*>(choice->FindWindow(VNT_DSN_IDC_ONLY));
                     ASSERT_TRUE(only && only->GetValue()) << "the first choice is preselected";
                     if (r.radio == wxID_CANCEL) {
                         click(choice, wxID_CANCEL);
                     } else {
-                        wxDynamicCast(choice->FindWindow(r.radio), wxRadioButton)->SetValue(true);
+                        dynamic_cast<wxRadioButton*>(choice->FindWindow(r.radio))->SetValue(true);
                         click(choice, wxID_OK);
                     }
                 });
@@ -330,12 +330,12 @@ TEST_F(ClientDialogs, VntDlgDsnShowsTheSelectionOkConnectsAndKeepsTheChoices) {
         box.answers = {{VNT_BTN_YES}};
         click(dlg, VNT_DSN_IDC_DELETE);
         choose(dlg, 1);
-        EXPECT_TRUE(wxDynamicCast(dlg->FindWindow(VNT_DSN_IDC_DEFAULT), wxCheckBox)->GetValue()) << "the default";
+        EXPECT_TRUE(dynamic_cast<wxCheckBox*>(dlg->FindWindow(VNT_DSN_IDC_DEFAULT))->GetValue()) << "the default";
         choose(dlg, 0);
-        sawDefault = wxDynamicCast(dlg->FindWindow(VNT_DSN_IDC_DEFAULT), wxCheckBox)->GetValue();
+        sawDefault = dynamic_cast<wxCheckBox*>(dlg->FindWindow(VNT_DSN_IDC_DEFAULT))->GetValue();
         tick(dlg, VNT_DSN_IDC_DEFAULT, true);
         tick(dlg, VNT_DSN_IDC_NOSHOW, true);
-        EXPECT_TRUE(wxDynamicCast(dlg->FindWindow(VNT_DSN_IDC_NOSHOW), wxCheckBox)->GetValue());
+        EXPECT_TRUE(dynamic_cast<wxCheckBox*>(dlg->FindWindow(VNT_DSN_IDC_NOSHOW))->GetValue());
         click(dlg, wxID_OK);
     });
     VntDatabase* db = nullptr;
@@ -405,7 +405,7 @@ TEST_F(ClientDialogs, SupplementStartsTheInstallationAndHelpOpensItsTopic) {
     dlg.Show();
     pump(20);
     choose(&dlg, 1);
-    EXPECT_TRUE(wxDynamicCast(dlg.FindWindow(VNT_DSN_IDC_DEFAULT), wxCheckBox)->GetValue()) << "the default client";
+    EXPECT_TRUE(dynamic_cast<wxCheckBox*>(dlg.FindWindow(VNT_DSN_IDC_DEFAULT))->GetValue()) << "the default client";
     box.answers = {{VNT_BTN_YES}, {VNT_BTN_YES}};
     Vnt_AppModSetResult(0);
     Vnt_AppModQueuePush(7);  // what module 24 answers
@@ -454,8 +454,8 @@ void checkAccessKeys(wxWindow* dlg, const std::string& where) {
     std::function<void(wxWindow*)> walk = [&](wxWindow* w) {
         for (wxWindow* c : w->GetChildren()) {
             walk(c);
-            const bool field = wxDynamicCast(c, wxStaticText) && (c->GetId() == 1040 || c->GetId() == 1041);
-            if (!wxDynamicCast(c, wxButton) && !wxDynamicCast(c, wxCheckBox) && !field) continue;
+            const bool field = dynamic_cast<wxStaticText*>(c) && (c->GetId() == 1040 || c->GetId() == 1041);
+            if (!dynamic_cast<wxButton*>(c) && !dynamic_cast<wxCheckBox*>(c) && !field) continue;
             const wxString label = c->GetLabel();
             const std::string text(label.utf8_str());
             const int amp = label.Find('&');
@@ -563,7 +563,7 @@ TEST_F(ClientDialogs, InstallationChosenInTheEntryDialogStartsModules24And23) {
         soon([&] {
             auto* choice = shown<VntDsnChoiceDlg>(30024);
             ASSERT_NE(choice, nullptr);
-            wxDynamicCast(choice->FindWindow(VNT_DSN_IDC_INSTALL), wxRadioButton)->SetValue(true);
+            dynamic_cast<wxRadioButton*>(choice->FindWindow(VNT_DSN_IDC_INSTALL))->SetValue(true);
             click(choice, wxID_OK);
         });
         click(entry, wxID_OK);
