@@ -6,6 +6,8 @@
 // must neither clip their texts nor overlap.
 #include "wx_support.h"
 
+#include "../scratch.h"
+
 #include <gmock/gmock.h>
 
 #include <filesystem>
@@ -133,9 +135,7 @@ protected:
             if (!cwd_.empty()) vnt::host::setCurDir(cwd_);
             openLibrary(true);
         }
-        const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-        dir_ = fs::temp_directory_path() / (std::string("vanto_wxdsn_") + info->name());
-        fs::remove_all(dir_);
+        dir_ = vnt::test::scratchDir("vanto_wxdsn_");
         for (const char* d : {"INI", "USR/Std", "Daten/M1", "Daten/M2", "Daten/M3", "Daten/M4", "Daten/Neu"})
             fs::create_directories(dir_ / d);
         for (const char* d : {"Daten/M1", "Daten/M2", "Daten/M4"}) std::ofstream(dir_ / d / "vanto.db");
