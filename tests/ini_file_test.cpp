@@ -12,6 +12,7 @@
 #include <iterator>
 #include <map>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -273,8 +274,10 @@ TEST_F(IniFile, StandardFilesAndTheirNames) {
 struct Settings : VntIni {
     using VntIni::VntIni;
     int calls = 0;
+    std::string value = "v";
     void DoDataExchange(bool write) override {
-        if (++calls == 3 && write) throw 1;  // the third exchange fails, as a failed typed write does
+        if (++calls == 3 && write) throw std::runtime_error("the application's own");
+        DX(write, "x", value, nullptr);
     }
 };
 
@@ -308,7 +311,7 @@ TEST_F(IniFile, WholeSectionsDataExchangeAndCopies) {
     Settings s(file("Test.ini").c_str(), "A");
     s.Read();  // the first exchange
     EXPECT_TRUE(s.Write());
-    EXPECT_FALSE(s.Write());
+    EXPECT_THROW(s.Write(), std::runtime_error) << "only a failed DX write is caught (false)";
 }
 
 // An application's own profile: everything in memory.

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "app/modtable.h"
+#include "base/names.h"
 #include "base/strbuf.h"
 #include "host/host.h"
 #include "vanto/app.h"
@@ -33,16 +34,6 @@ constexpr unsigned kAskBeforeLoad = 0x7F13;
 
 // The help commands of a help module's line, as the old help engine knew them.
 constexpr int kHelpContext = 1, kHelpContents = 3, kHelpFinder = 11, kHelpPartialKey = 261;
-
-#define MOD_IE(cond, code) vnt::app::modInternalError((cond), (code), __LINE__)
-
-bool sameText(const char* a, const char* b) {
-    for (; *a && *b; ++a, ++b)
-        if ((*a | 0x20) != (*b | 0x20)) return false;
-    return *a == *b;
-}
-
-bool blank(char c) { return c == ' ' || c == '\t'; }
 
 std::string progDir() {
     char dir[VNT_MAX_PATH];
@@ -137,19 +128,19 @@ bool openHelp(const char* file, const char* keyWord, long number) {
  */
 bool resolveIni(const char* file, const char* spec, VNT_APP_MODFLAGS flags, char (&path)[261], char (&args)[261]) {
     const char* p = spec ? spec : "";
-    while (blank(*p) || *p == '[') ++p;
+    while (vnt::isBlank(*p) || *p == '[') ++p;
     const char* end = std::strchr(p, ']');
     if (MOD_IE(end == nullptr, 15)) return false;
     char section[30], key[30], argKey[30];
     vnt::copyBounded(section, std::string_view(p, static_cast<std::size_t>(end - p)));
     p = end + 1;
-    while (blank(*p)) ++p;
+    while (vnt::isBlank(*p)) ++p;
     if (MOD_IE(*p == '\0', 16)) return false;
     const char* keyEnd = p;
-    while (*keyEnd && !blank(*keyEnd)) ++keyEnd;
+    while (*keyEnd && !vnt::isBlank(*keyEnd)) ++keyEnd;
     vnt::copyBounded(key, std::string_view(p, static_cast<std::size_t>(keyEnd - p)));
     p = keyEnd;
-    while (blank(*p)) ++p;
+    while (vnt::isBlank(*p)) ++p;
     vnt::copyBounded(argKey, p);
 
     VNTINI_TYPE type = 0;
@@ -230,7 +221,7 @@ bool loadByName(const char* fileArg, long arg1, long arg2, const char* function,
 
     char ext[VNT_MAX_PATH];
     Vnt_LfnNameSplit(full, nullptr, nullptr, ext);
-    const bool program = ext[0] && !sameText(ext, "dll") && !sameText(ext, "so");
+    const bool program = ext[0] && !vnt::sameText(ext, "dll") && !vnt::sameText(ext, "so");
     bool started = false;
     VNT_HINSTANCE inst = nullptr;
     unsigned long code = 0;

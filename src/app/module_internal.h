@@ -36,6 +36,9 @@ ModState& modState();
 
 /// Reports internal error `code` of the loader when `cond` holds.
 bool modInternalError(bool cond, int code, int line);
+/// The loader's check: reports internal error `code` with the line of the
+/// check when `cond` holds, and yields `cond` (`if (MOD_IE(p == nullptr, 3))`).
+#define MOD_IE(cond, code) vnt::app::modInternalError((cond), (code), __LINE__)
 
 /// The start directory of the application; before Vnt_AppMainInit recorded
 /// it, the current directory (which it would record).

@@ -24,8 +24,6 @@ constexpr long kMsgOutdatedMain = 60290;  // module file; a main window exists
 constexpr long kMsgOutdatedEnd = 60291;   // module file; the program then ends
 constexpr unsigned kModalStart = 0x7F11, kModalEnd = 0x7F12;
 
-#define MOD_IE(cond, code) vnt::app::modInternalError((cond), (code), __LINE__)
-
 int slotOf(const ModState& st, VNT_HWND window) {
     for (int i = 0; i < vnt::app::kWindowSlots && st.slots[i].window; ++i)
         if (st.slots[i].window == window) return i;

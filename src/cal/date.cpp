@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "base/format.h"
+#include "base/names.h"
 #include "base/strbuf.h"
 #include "cal/cal_state.h"
 #include "cal/odbc_timestamp.h"
@@ -222,13 +223,6 @@ constexpr const char* kLongNames[7] = {"Monday", "Tuesday", "Wednesday", "Thursd
                                        "Friday", "Saturday", "Sunday"};
 constexpr const char* kShortNames[7] = {"Mo", "Tu", "We", "Th", "Fr", "Sa", "Su"};
 
-bool sameName(const char* a, const char* b) {
-    for (; *a && *b; ++a, ++b)
-        if (Vnt_TxtUpper(static_cast<unsigned char>(*a)) != Vnt_TxtUpper(static_cast<unsigned char>(*b)))
-            return false;
-    return *a == *b;
-}
-
 // Up to 7 non-empty items of a token list into names[1..7], each cut to
 // the width of the slot; empty items are passed over.
 template <std::size_t N>
@@ -252,7 +246,7 @@ void readWeek(vnt::cal::WeekSettings& w) {
     char first[64];
     ini.ReadStr("FirstWeekDay", "", first, sizeof first);
     for (int i = 1; i <= 7; ++i) {
-        if (sameName(first, w.longNames[i])) {
+        if (vnt::sameText(first, w.longNames[i])) {
             w.firstDay = i;
             break;
         }

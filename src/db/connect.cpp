@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "base/format.h"
+#include "base/names.h"
 #include "base/strbuf.h"
 #include "db/db_state.h"
 #include "db/odbc.h"
@@ -76,10 +77,10 @@ bool openDatabase(const std::string& connect) {
 // A connect string worth handing to a driver holds at least one pair.
 bool hasPair(const char* text) { return text && std::strchr(text, '=') != nullptr; }
 
+// A line of a section text may still end in the CR of a CR LF file.
 std::string_view trimmed(std::string_view v) {
-    while (!v.empty() && (v.front() == ' ' || v.front() == '\t')) v.remove_prefix(1);
-    while (!v.empty() && (v.back() == ' ' || v.back() == '\t' || v.back() == '\r')) v.remove_suffix(1);
-    return v;
+    const std::size_t end = v.find_last_not_of(" \t\r");
+    return vnt::trim(v.substr(0, end == std::string_view::npos ? 0 : end + 1));
 }
 
 /*
@@ -104,13 +105,13 @@ bool forEachLine(const char* text, Fn fn) {
     return true;
 }
 
-bool isKey(std::string_view key, const char* name) { return name && *name && vnt::db::sameText(key, name); }
+bool isKey(std::string_view key, const char* name) { return name && *name && vnt::sameText(key, name); }
 
 // The open connection is this connect string (as Open keeps it).
 bool isConnection(const std::string& connect) {
     if (!isOpen()) return false;
     std::string_view want = connect;
-    if (want.size() >= 5 && vnt::db::sameText(want.substr(0, 5), "ODBC;")) want.remove_prefix(5);
+    if (want.size() >= 5 && vnt::sameText(want.substr(0, 5), "ODBC;")) want.remove_prefix(5);
     return std::string_view(st().connection->GetConnectRaw()).substr(5) == want;
 }
 
@@ -372,7 +373,7 @@ bool Vnt_AppConnectDSNRemove(const char* name, const char* path) {
     int index = -1;
     for (int i = 0; i < registry.Count() && index < 0; ++i) {
         const DsnEntry* e = registry.Entry(i);
-        if (vnt::db::sameText(byPath ? e->path : e->name, byPath ? path : (name ? name : ""))) index = i;
+        if (vnt::sameText(byPath ? e->path : e->name, byPath ? path : (name ? name : ""))) index = i;
     }
     registry.RemoveEntry(index);  // not found: -1, the last client (kept so)
     return registry.WriteEntries();
@@ -409,7 +410,7 @@ bool Vnt_DsnInstallClient(const char* path) {
         char dir[VNT_MAX_PATH], file[VNT_MAX_PATH], ext[VNT_MAX_PATH];
         Vnt_LfnNameSplit(target, dir, file, ext);
         std::string whole = std::string(file) + ext;
-        if (vnt::db::sameText(whole, DsnIni::DBFileName())) vnt::copyBounded(target, dir);
+        if (vnt::sameText(whole, DsnIni::DBFileName())) vnt::copyBounded(target, dir);
     }
     const char* arg = target;
     return Vnt_AppModLoad(24, static_cast<long>(reinterpret_cast<std::intptr_t>(arg)), 0, false) &&

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "base/names.h"
 #include "db/db_state.h"
 #include "db/odbc.h"
 #include "vanto/db.h"
@@ -32,7 +33,7 @@ bool VntDatabase::Open(const char* dsn, bool exclusive, bool readOnly, const cha
         return false;
     }
     std::string_view rest = connect ? connect : "";
-    if (rest.size() >= 4 && sameText(rest.substr(0, 4), "ODBC") && (rest.size() == 4 || rest[4] == ';'))
+    if (rest.size() >= 4 && vnt::sameText(rest.substr(0, 4), "ODBC") && (rest.size() == 4 || rest[4] == ';'))
         rest.remove_prefix(std::min<std::size_t>(5, rest.size()));
     std::string full = "ODBC;";
     if (dsn && *dsn) full += std::string("DSN=") + dsn + ";";

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/names.h"
 #include "base/strbuf.h"
 #include "db/db_state.h"
 #include "db/odbc.h"
@@ -49,7 +50,7 @@ void readSettings() {
         Vnt__MsgErr(kSource, __LINE__, "!Internal Error: isFile == false, but dbFile is not empty.");
 }
 
-bool sameName(const char* a, const char* b) { return vnt::db::sameText(a ? a : "", b ? b : ""); }
+bool sameName(const char* a, const char* b) { return vnt::sameText(a ? a : "", b ? b : ""); }
 
 // Copies the first non-empty value of `keys` in the current section.
 bool firstValue(VntIni& ini, std::initializer_list<const char*> keys, char (&out)[VNT_MAX_PATH]) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/names.h"
 #include "db/db_state.h"
 #include "vanto/db.h"
 #include "vanto/lfn.h"
@@ -153,14 +154,6 @@ void fromWide(const SQLWCHAR* text, std::size_t count, std::string& out) {
     out.resize(n);
 }
 
-bool sameText(std::string_view a, std::string_view b) {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (Vnt_TxtUpper(static_cast<unsigned char>(a[i])) != Vnt_TxtUpper(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
-}
-
 namespace {
 
 // One "key=value" or bare item of a connect string; a value may stand in
@@ -170,12 +163,6 @@ struct Item {
     std::string_view value;  // as written, braces included
     bool pair = false;
 };
-
-std::string_view trim(std::string_view s) {
-    while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
-    while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
-    return s;
-}
 
 std::vector<Item> split(std::string_view s) {
     std::vector<Item> items;

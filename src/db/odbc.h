@@ -39,7 +39,4 @@ void fromWide(const SQLWCHAR* text, std::size_t count, std::string& out);
 /// of the values as host paths, in UTF-8.
 std::string driverConnect(std::string_view connect);
 
-/// Equal without regard to case (Windows-1252 letters).
-bool sameText(std::string_view a, std::string_view b);
-
 }  // namespace vnt::db

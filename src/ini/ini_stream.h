@@ -57,13 +57,11 @@ struct EngineState {
     tagRECT rect = {};                   ///< ReadRect's result
 };
 
+/// Thrown by a failed DX write to end DoDataExchange; only Write() catches it.
+struct ExchangeAborted {};
+
 EngineState& engine();
 /// Drops the state: buffers emptied, the library-wide object closed.
 void reset();
-
-/// ASCII comparison without regard to case.
-bool sameText(const char* a, const char* b);
-/// Removes blanks and tabs at both ends, in place.
-void trim(char* s);
 
 }  // namespace vnt::ini

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "base/format.h"
+#include "base/names.h"
 #include "base/strbuf.h"
 #include "host/host.h"
 #include "ini/ini_stream.h"
@@ -143,7 +144,7 @@ void VntIni::SetFile(const char* file, VNTINI_TYPE type) {
     }
     char ext[VNT_MAX_PATH];
     Vnt_LfnNameSplit(file_, nullptr, nullptr, ext);
-    vtm_ = vnt::ini::sameText(ext, "vtm");
+    vtm_ = vnt::sameText(ext, "vtm");
     if (vtm_ && !(type_ & VNTINI_ACCESS_RO)) {
         type_ |= VNTINI_ACCESS_RO;
         type_ &= ~VNTINI_ACCESS_RW;
@@ -333,8 +334,8 @@ void VntIni::Read() { DoDataExchange(false); }
 bool VntIni::Write() {
     try {
         DoDataExchange(true);
-    } catch (...) {
-        return false;  // a failed DX write throws
+    } catch (const vnt::ini::ExchangeAborted&) {
+        return false;  // a DX write failed; the application's own exceptions pass
     }
     return true;
 }

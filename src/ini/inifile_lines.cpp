@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/names.h"
 #include "base/strbuf.h"
 #include "host/host.h"
 #include "ini/ini_stream.h"
@@ -19,26 +20,7 @@ namespace {
 
 constexpr std::size_t kPiece = 1023;  // characters of one line read
 
-bool blank(char c) { return c == ' ' || c == '\t'; }
-
-char lower(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
-
 }  // namespace
-
-bool sameText(const char* a, const char* b) {
-    for (; *a && *b; ++a, ++b)
-        if (lower(*a) != lower(*b)) return false;
-    return *a == *b;
-}
-
-void trim(char* s) {
-    std::size_t len = std::strlen(s);
-    while (len && blank(s[len - 1])) --len;
-    s[len] = '\0';
-    std::size_t start = 0;
-    while (blank(s[start])) ++start;
-    if (start) std::memmove(s, s + start, len - start + 1);
-}
 
 Stream* Stream::openRead(const char* file) {
     auto* s = new Stream;
@@ -79,15 +61,14 @@ bool Stream::writeOut() const { return host::writeFileAtomic(name.c_str(), data)
 
 }  // namespace vnt::ini
 
-using vnt::ini::sameText;
+using vnt::sameText;
 
 namespace {
 
 constexpr long kNoSection = -2;  // vtmSection_ after a search that failed
 
-bool blank(char c) { return c == ' ' || c == '\t'; }
 const char* skipBlanks(const char* p) {
-    while (blank(*p)) ++p;
+    while (vnt::isBlank(*p)) ++p;
     return p;
 }
 
@@ -125,7 +106,7 @@ bool VntIni::read_buf(bool trim) {
             return false;
         }
     }
-    if (trim) vnt::ini::trim(line_);
+    if (trim) vnt::trimInPlace(line_);
     return true;
 }
 
@@ -235,18 +216,18 @@ bool VntIni::entry_find(const char* entry) {
     vtmPos_ = vtmSection_;
     if (!read_buf(true)) return false;  // the header
     std::string want = entry;
-    while (!want.empty() && blank(want.back())) want.pop_back();
+    while (!want.empty() && vnt::isBlank(want.back())) want.pop_back();
     while (read_buf(true)) {
         if (line_[0] == '[') break;
         char* eq = std::strchr(line_, '=');
         if (line_[0] == ';' || eq == nullptr) continue;
         char* nameEnd = eq;
-        while (nameEnd > line_ && blank(nameEnd[-1])) --nameEnd;
+        while (nameEnd > line_ && vnt::isBlank(nameEnd[-1])) --nameEnd;
         *nameEnd = '\0';
         if (!sameText(line_, want.c_str())) continue;
         const char* value = skipBlanks(eq + 1);
         std::memmove(line_, value, std::strlen(value) + 1);
-        vnt::ini::trim(line_);
+        vnt::trimInPlace(line_);
         return true;
     }
     line_[0] = '\0';
@@ -292,7 +273,7 @@ bool VntIni::SectionNameMake(char (&name)[100], const char* src) {
 void VntIni::SectionNameClean(char* name, char** start, unsigned* length) {
     if (name == nullptr) return;
     char* p = name;
-    while (blank(*p)) ++p;
+    while (vnt::isBlank(*p)) ++p;
     char* last = nullptr;
     if (*p == '[') {
         ++p;
@@ -381,7 +362,7 @@ bool VntIni::SectionWriteBegin(const char* section) {
                 break;
             }
             if (!(ok = WriteBuf())) break;
-            vnt::ini::trim(line_);
+            vnt::trimInPlace(line_);
             if (sameText(line_, section_)) passed = true;
         }
     }

@@ -7,14 +7,13 @@
 #include <string>
 
 #include "base/format.h"
+#include "base/names.h"
 #include "base/strbuf.h"
 #include "ini/ini_stream.h"
 #include "vanto/amount.h"
 #include "vanto/ini.h"
 
 namespace {
-
-bool blank(char c) { return c == ' ' || c == '\t'; }
 
 int hexDigit(char c) {
     if (c >= '0' && c <= '9') return c - '0';
@@ -26,7 +25,7 @@ int hexDigit(char c) {
 /* A decimal number: leading blanks, an optional sign, the digits up to the
    first other character; no digits is 0. Saturates at the range of long. */
 long decimalOf(const char* s) {
-    while (blank(*s)) ++s;
+    while (vnt::isBlank(*s)) ++s;
     const bool neg = *s == '-';
     if (*s == '-' || *s == '+') ++s;
     unsigned long v = 0;
@@ -184,9 +183,9 @@ bool VntIni::WriteColor(const char* entry, unsigned long color, int num, const c
 // Data exchange
 // ---------------------------------------------------------------------------
 
-// A failed write throws the int 0, which Write() catches.
+// A failed write aborts the exchange; Write() catches it and answers false.
 static void written(bool ok) {
-    if (!ok) throw 0;
+    if (!ok) throw vnt::ini::ExchangeAborted{};
 }
 
 void VntIni::DX(bool write, const char* entry, char* buf, unsigned size, const char* def, int num, bool quote) {
@@ -285,7 +284,7 @@ char* VntIni::token_next(bool first, char* buf, unsigned size, long* out, const 
     }
     char* token = nullptr;
     if (cursor) {
-        while (blank(*cursor)) ++cursor;
+        while (vnt::isBlank(*cursor)) ++cursor;
         char* sep = std::strpbrk(cursor, tokenSeps_);
         if (sep) {
             *sep = '\0';
@@ -294,7 +293,7 @@ char* VntIni::token_next(bool first, char* buf, unsigned size, long* out, const 
             tokenNext_ = nullptr;
         }
         std::size_t len = std::strlen(cursor);
-        while (len && blank(cursor[len - 1])) cursor[--len] = '\0';
+        while (len && vnt::isBlank(cursor[len - 1])) cursor[--len] = '\0';
         token = cursor;
     }
     tokenCursor_ = token;

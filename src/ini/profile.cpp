@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/names.h"
 #include "base/strbuf.h"
 #include "host/host.h"
 #include "vanto/ini.h"
@@ -19,27 +20,9 @@
 namespace vnt::ini {
 namespace {
 
-std::string_view trim(std::string_view s) {
-    while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
-    while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
-    return s;
-}
-
-// The form names are compared in: upper case in the library's character set.
-std::string upper(std::string_view s) {
-    std::string out(s.size(), '\0');
-    for (std::size_t i = 0; i < s.size(); ++i)
-        out[i] = static_cast<char>(Vnt_TxtUpper(static_cast<unsigned char>(s[i])));
-    return out;
-}
-
-bool sameName(std::string_view a, std::string_view b) {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (Vnt_TxtUpper(static_cast<unsigned char>(a[i])) != Vnt_TxtUpper(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
-}
+using vnt::trim;
+// Sections and keys are looked up by their compared form.
+std::string upper(std::string_view s) { return vnt::foldText(s); }
 
 enum class Kind { Blank, Comment, Header, Entry, Other };
 
@@ -167,7 +150,7 @@ ProfileState& state() {
 // Marks the files a notification concerns as to be read again.
 void onWatchEvent(const host::WatchEvent& ev, void*) {
     for (auto& [lib, c] : state().files) {
-        if (ev.overflow || (c->watch != 0 && c->watch == ev.id && (ev.gone || sameName(ev.name, c->base)))) {
+        if (ev.overflow || (c->watch != 0 && c->watch == ev.id && (ev.gone || vnt::sameText(ev.name, c->base)))) {
             c->stale = true;
             if (ev.gone) c->watch = 0;
         }

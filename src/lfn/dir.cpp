@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string>
 
+#include "base/names.h"
 #include "base/strbuf.h"
 #include "host/host.h"
 #include "lfn/lfn_state.h"
@@ -145,8 +146,7 @@ bool Vnt_LfnNameMakeAbs(char (&dst)[VNT_MAX_PATH], const char* name, const char*
                          upperAscii(n[0]) == upperAscii(b[0]);
     if (sameVol || (!n.empty() && n[0] == '\\')) {
         while (skip < n.size() && skip < b.size() &&
-               Vnt_TxtUpper(static_cast<unsigned char>(n[skip])) ==
-                   Vnt_TxtUpper(static_cast<unsigned char>(b[skip])))
+               vnt::foldCase(n[skip]) == vnt::foldCase(b[skip]))
             ++skip;
     }
     dst[0] = '\0';

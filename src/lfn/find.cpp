@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 
+#include "base/names.h"
 #include "base/strbuf.h"
 #include "host/host.h"
 #include "lfn/lfn_state.h"
@@ -24,8 +25,6 @@ using Rec = VntLfnFindRec;
 
 constexpr unsigned long kTypeBits = VNT_LFN_ATTR_DIRECTORY | VNT_LFN_ATTR_VOLID;  // 0x18
 
-unsigned char up(char c) { return Vnt_TxtUpper(static_cast<unsigned char>(c)); }
-
 // "*" any run of characters, "?" exactly one, everything else equal
 // without regard to case.
 bool wildMatch(const char* p, std::size_t plen, const char* n) {
@@ -35,7 +34,7 @@ bool wildMatch(const char* p, std::size_t plen, const char* n) {
         if (pi < plen && p[pi] == '*') {
             star = ++pi;
             resume = ni;
-        } else if (pi < plen && (p[pi] == '?' || up(p[pi]) == up(n[ni]))) {
+        } else if (pi < plen && (p[pi] == '?' || vnt::foldCase(p[pi]) == vnt::foldCase(n[ni]))) {
             ++pi;
             ++ni;
         } else if (star != std::string::npos) {
@@ -64,7 +63,7 @@ bool wantEntry(const std::string& name, void* ctx) { return nameMatches(static_c
 bool byName(const vnt::host::DirEntry& a, const vnt::host::DirEntry& b) {
     const std::size_t n = std::min(a.name.size(), b.name.size());
     for (std::size_t i = 0; i < n; ++i) {
-        const unsigned char x = up(a.name[i]), y = up(b.name[i]);
+        const unsigned char x = vnt::foldCase(a.name[i]), y = vnt::foldCase(b.name[i]);
         if (x != y) return x < y;
     }
     if (a.name.size() != b.name.size()) return a.name.size() < b.name.size();

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/names.h"
 #include "base/strbuf.h"
 #include "lfn/lfn_state.h"
 #include "vanto/lfn.h"
@@ -42,8 +43,6 @@ bool startsAtRoot(const char* s) {
     if (s == nullptr) return false;
     return s[0] == '\\' || (hasVolPrefix(s) && s[2] == '\\');
 }
-
-bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
 bool isSlash(char c) { return c == '\\' || c == '/'; }
 
@@ -393,7 +392,7 @@ bool Vnt_LfnNameExtract(char (&dst)[VNT_MAX_PATH], char* line, bool remove, char
     }
     char* p = line;
     if (!whole)
-        while (isBlank(*p)) ++p;
+        while (vnt::isBlank(*p)) ++p;
 
     char* tokBegin = p;
     char* tokEnd = nullptr;
@@ -408,14 +407,14 @@ bool Vnt_LfnNameExtract(char (&dst)[VNT_MAX_PATH], char* line, bool remove, char
         after = tokEnd;
     } else {
         char* e = p;
-        while (*e != '\0' && !isBlank(*e)) ++e;
+        while (*e != '\0' && !vnt::isBlank(*e)) ++e;
         tokEnd = e;
         after = e;
     }
-    while (tokEnd > tokBegin && isBlank(tokEnd[-1])) --tokEnd;
+    while (tokEnd > tokBegin && vnt::isBlank(tokEnd[-1])) --tokEnd;
     const std::size_t tokLen = static_cast<std::size_t>(tokEnd - tokBegin);
     copyBounded(dst, std::string_view(tokBegin, tokLen));
-    while (isBlank(*after)) ++after;
+    while (vnt::isBlank(*after)) ++after;
 
     if (remove) {
         if (*after != '\0') {

@@ -2,6 +2,7 @@
 // segment "APPMSG", which the Vnt_AppMsg* functions use.
 #include <cstring>
 
+#include "base/names.h"
 #include "base/strbuf.h"
 #include "msg/msg_state.h"
 #include "vanto/lfn.h"
@@ -15,14 +16,6 @@ void setAppFrame(bool mainApp, bool module) {
 }
 
 namespace {
-
-bool sameName(const std::string& a, const char* b) {
-    if (a.size() != std::strlen(b)) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (Vnt_TxtUpper(static_cast<unsigned char>(a[i])) != Vnt_TxtUpper(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
-}
 
 // The program's name without its extension ("Z:\opt\Fibu.exe" => "Fibu").
 std::string programName() {
@@ -64,7 +57,7 @@ VNT_MSG Vnt_AppMsgInit(const char* segment) {
     }
     if (!alive(st.appMsg)) st.appMsg = Vnt_MsgHInit(st.appLib, "APPMSG");
     if (!segment) return st.appMsg;
-    if (st.frameMain && st.frameModule && sameName(st.appName, segment))
+    if (st.frameMain && st.frameModule && vnt::sameText(st.appName, segment))
         return Vnt_MsgHInit(nullptr, st.appName.c_str());
     return Vnt_MsgHInit(st.appLib, segment);
 }

@@ -4,21 +4,12 @@
 
 #include <string_view>
 
+#include "base/names.h"
 #include "host/host.h"
 #include "vanto/ini.h"
 #include "vanto/lfn.h"
 
 namespace vnt::msg::ini {
-namespace {
-
-std::string_view trim(std::string_view s) {
-    while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
-    while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
-    return s;
-}
-
-}  // namespace
-
 /*
  * A line end can never be part of a stored value, so a default of "\n" tells
  * a missing key from an empty value.
@@ -35,7 +26,7 @@ bool read(const char* file, const char* section, const char* key, std::string& v
 
 bool write(const char* file, const char* section, const char* key, const char* value) {
     if (file == nullptr || section == nullptr || key == nullptr || value == nullptr) return false;
-    const std::string val(trim(value));
+    const std::string val(vnt::trim(value));
     if (!Vnt_LfnDirCreateFromFile(file)) return false;
     return Vnt_ProfileWriteString(section, key, val.c_str(), file);
 }

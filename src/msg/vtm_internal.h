@@ -178,8 +178,8 @@ void report(const std::string& detail);
 
 using vnt::format;
 
-/// Case-insensitive (ASCII) comparison of two 8-character name fields; each
-/// ends at its first NUL or after 8 characters.
+/// Comparison without regard to case (vnt::sameTextN) of two 8-character
+/// name fields; each ends at its first NUL or after 8 characters.
 bool namesEqual(const char* a, const char* b);
 
 /// The main library at the start of `lib`'s chain; null for a segment whose

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "base/names.h"
 #include "base/strbuf.h"
 #include "msg/vtm_internal.h"
 #include "vanto/app.h"
@@ -77,15 +78,7 @@ void report(const std::string& detail) {
     s.msgBuf[0] = '\0';
 }
 
-bool namesEqual(const char* a, const char* b) {
-    for (int i = 0; i < 8; ++i) {
-        int ca = std::tolower(static_cast<unsigned char>(a[i]));
-        int cb = std::tolower(static_cast<unsigned char>(b[i]));
-        if (ca != cb) return false;
-        if (ca == 0) return true;
-    }
-    return true;
-}
+bool namesEqual(const char* a, const char* b) { return vnt::sameTextN(a, b, 8); }
 
 VNT_VTM_LIB* chainMain(VNT_VTM_LIB* lib) {
     while (lib->chainPrev) lib = lib->chainPrev;

@@ -11,6 +11,7 @@
 #include <link.h>
 #include <sys/stat.h>
 
+#include "base/names.h"
 #include "vanto/text.h"
 
 namespace vnt::host {
@@ -31,11 +32,6 @@ void* openHost(const std::string& hostName) {
     return h;
 }
 
-bool sameText(const char* a, const char* b) {
-    for (; *a && *b; ++a, ++b)
-        if ((*a | 0x20) != (*b | 0x20)) return false;
-    return *a == *b;
-}
 }  // namespace
 
 void* moduleOpen(const std::string& hostName) {
@@ -60,7 +56,7 @@ std::vector<std::string> moduleFileNames(const char* libName) {
     const std::string dir = cut == std::string::npos ? std::string{} : name.substr(0, cut + 1);
     std::string base = cut == std::string::npos ? name : name.substr(cut + 1);
     const std::size_t dot = base.rfind('.');
-    if (dot != std::string::npos && (sameText(base.c_str() + dot + 1, "dll") || sameText(base.c_str() + dot + 1, "so")))
+    if (dot != std::string::npos && (vnt::sameText(base.c_str() + dot + 1, "dll") || vnt::sameText(base.c_str() + dot + 1, "so")))
         base.resize(dot);
     if (base.empty()) return {};
     return {dir + base + ".so", dir + "lib" + base + ".so"};

@@ -5,6 +5,7 @@
 // and their data were written for a case-insensitive file system, so a
 // component that does not exist as written is matched without regard to case.
 #include "host/host.h"
+#include "base/names.h"
 #include "host/posix/host_call.h"
 #include "vanto/text.h"
 
@@ -125,13 +126,7 @@ void ensureReady() {
 // component (Windows-1252). Names without a Windows-1252 form never match.
 bool sameName(const char* hostName, const std::string& libName) {
     std::string conv;
-    if (!Vnt_TxtFromUtf8(hostName, conv) || conv.size() != libName.size())
-        return false;
-    for (std::size_t i = 0; i < conv.size(); ++i)
-        if (Vnt_TxtUpper(static_cast<unsigned char>(conv[i])) !=
-            Vnt_TxtUpper(static_cast<unsigned char>(libName[i])))
-            return false;
-    return true;
+    return Vnt_TxtFromUtf8(hostName, conv) && vnt::sameText(conv, libName);
 }
 
 // The host name of `comp` inside the directory `dir`: as written when that

@@ -10,6 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "base/names.h"
 #include "vanto/text.h"
 
 extern char** environ;
@@ -66,7 +67,7 @@ bool withoutExe(const std::string& name, std::string& out) {
     const std::size_t dot = name.rfind('.');
     if (dot == std::string::npos || name.find_first_of("\\:", dot) != std::string::npos) return false;
     const std::string ext = name.substr(dot + 1);
-    if (ext.size() != 3 || (ext[0] | 0x20) != 'e' || (ext[1] | 0x20) != 'x' || (ext[2] | 0x20) != 'e') return false;
+    if (!vnt::sameText(ext, "exe")) return false;
     out = name.substr(0, dot);
     return true;
 }
