@@ -231,40 +231,42 @@ bool convert(const Value& src, Kind to, int decimals, Value& out) {
     return false;
 }
 
-Value valueOf(const char* text) {
+namespace {
+
+// A value that is not null.
+Value given(Kind kind) {
     Value v;
+    v.null = false;
+    v.kind = kind;
+    return v;
+}
+
+Value stampValue(const Stamp& t, Kind kind) {
+    Value v = given(kind);
+    v.ts = t;
+    return v;
+}
+
+}  // namespace
+
+Value valueOf(const char* text) {
+    Value v = given(Kind::Text);
     v.null = text == nullptr;
     v.text = text ? text : "";
     return v;
 }
 
 Value valueOf(long i) {
-    Value v;
-    v.null = false;
-    v.kind = Kind::Integer;
+    Value v = given(Kind::Integer);
     v.i = i;
     return v;
 }
 
 Value valueOf(double d) {
-    Value v;
-    v.null = false;
-    v.kind = Kind::Double;
+    Value v = given(Kind::Double);
     v.d = d;
     return v;
 }
-
-namespace {
-
-Value stampValue(const Stamp& t, Kind kind) {
-    Value v;
-    v.null = false;
-    v.kind = kind;
-    v.ts = t;
-    return v;
-}
-
-}  // namespace
 
 Value valueOf(const VNT_DATE& date) {
     return stampValue(Stamp{date.year, date.month, date.day, 0, 0, 0, 0}, Kind::Date);
