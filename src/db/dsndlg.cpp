@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/names.h"
 #include "base/strbuf.h"
 #include "db/db_state.h"
 #include "db/odbc.h"
@@ -27,7 +28,6 @@ constexpr long kMsgSupplement = 60362;
 constexpr const char* kUserSection = "DSN";
 constexpr VNTINI_TYPE kUserType = VNTINI_USER | VNTINI_ACCESS_RW;
 
-bool same(std::string_view a, std::string_view b) { return vnt::db::sameText(a, b); }
 
 // A field's text: blanks around it dropped, at most 259 characters.
 std::string fieldText(const char* text) {
@@ -61,7 +61,7 @@ std::vector<std::string> VntDsnSelection::Names() const {
 void VntDsnSelection::Select(int index) {
     const DsnEntry* e = registry_.Entry(index);
     selected_ = e ? index : -1;
-    defaultTicked_ = e && !request_.defaultClient.empty() && same(e->name, request_.defaultClient);
+    defaultTicked_ = e && !request_.defaultClient.empty() && vnt::sameText(e->name, request_.defaultClient);
 }
 
 bool VntDsnSelection::Position(int& x, int& y) const {
@@ -87,7 +87,7 @@ bool VntDsnSelection::Ok() {
     // The user's choices, written only where they changed.
     VntIni user(nullptr, kUserSection, kUserType);
     if (noShowTicked_ != !request_.showAtStart) user.WriteInt("ShowDlg", noShowTicked_ ? 0 : 1, -1, 1);
-    const bool wasDefault = !request_.defaultClient.empty() && same(name, request_.defaultClient);
+    const bool wasDefault = !request_.defaultClient.empty() && vnt::sameText(name, request_.defaultClient);
     if (defaultTicked_ && !wasDefault) user.WriteStr("Default", name.c_str());
     else if (!defaultTicked_ && wasDefault) user.WriteStr("Default", nullptr);
     user.Flush();
@@ -167,11 +167,11 @@ bool VntDsnEntryEdit::refused(const std::string& name, const std::string& path) 
     for (int i = 0; i < reg.Count(); ++i) {
         if (i == index_) continue;
         const DsnEntry* e = reg.Entry(i);
-        if (same(e->name, shown)) {
+        if (vnt::sameText(e->name, shown)) {
             Vnt_MsgSys(kMsgNameTaken, shown.c_str());
             return true;
         }
-        if (same(e->path, path)) {
+        if (vnt::sameText(e->path, path)) {
             Vnt_MsgSys(kMsgPathTaken, path.c_str(), e->name);
             return true;
         }
@@ -184,7 +184,7 @@ VntDsnEntryEdit::Outcome VntDsnEntryEdit::Ok(const char* nameText, const char* p
     const std::string name = fieldText(nameText), path = fieldText(pathText);
     if (refused(name, path)) return Outcome::Stay;
     const bool changed = IsNew() || name != entry_.name || path != entry_.path;
-    const bool moved = IsNew() || formerPath_.empty() || !same(path, formerPath_);
+    const bool moved = IsNew() || formerPath_.empty() || !vnt::sameText(path, formerPath_);
 
     const bool exists = Vnt_DsnPathExists(path.c_str());
     bool install = IsNew() && !exists;  // a new client where there is none yet

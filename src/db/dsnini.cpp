@@ -244,7 +244,7 @@ void dropLines(char (&section)[4096], std::initializer_list<const char*> keys) {
         const std::string_view line = rest.substr(0, nl == std::string_view::npos ? rest.size() : nl + 1);
         rest.remove_prefix(line.size());
         bool drop = false;
-        for (const char* key : keys) drop = drop || (key && *key && vnt::db::sameText(lineKey(line), key));
+        for (const char* key : keys) drop = drop || (key && *key && vnt::sameText(lineKey(line), key));
         if (!drop) kept += line;
     }
     vnt::copyBounded(section, kept);
