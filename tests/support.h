@@ -9,6 +9,7 @@
 #include "ini/ini_stream.h"
 #include "ini/profile.h"
 #include "lfn/lfn_state.h"
+#include "lib/reset.h"
 #include "msg/msg_internal.h"
 #include "msg/stat_state.h"
 #include "msg/vtm_internal.h"
@@ -43,24 +44,7 @@ inline void writeAppSettings(const std::filesystem::path& programDir, const std:
     writeIniLibrary(programDir, "App.vtm", lines);
 }
 
-inline void resetAll() {
-    vnt::ini::reset();  // closes the library-wide engine before the message system goes
-    Vnt_AppSetProfile(nullptr);
-    vnt::ini::profileReset();
-    vnt::app::resetModules();
-    vnt::app::resetLifecycle();
-    vnt::app::resetPaths();
-    vnt::vtm::reset();
-    vnt::host::reset();
-    vnt::host::setLastError(0);
-    vnt::msg::resetTexts();
-    vnt::msg::resetBox();
-    vnt::msg::resetReports();
-    vnt::msg::resetStat();
-    vnt::cal::reset();
-    vnt::db::reset();
-    vnt::lfn::resetState();
-    vnt::ui::resetHeadless();
-}
+/// Every subsystem back to the state of a fresh process.
+inline void resetAll() { vnt::resetLibrary(); }
 
 }  // namespace vnt::test

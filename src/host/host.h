@@ -184,7 +184,8 @@ bool intlValue(const char* key, std::string& value);
 unsigned osVersion();
 
 /// Restores the whole host state to its start (volume table, current
-/// directories, faults, the clock). For tests.
+/// directories, faults, the disk-full count, watches, the last error, the
+/// clock). For tests.
 void reset();
 
 }  // namespace vnt::host

@@ -447,6 +447,9 @@ void reset() {
     // rebuilt from it on the next use.
     s = HostState{};
     setClock(nullptr);
+    faultDiskFull(-1);
+    watchReset();
+    setLastError(0);
 }
 
 }  // namespace vnt::host

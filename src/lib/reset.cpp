@@ -1,0 +1,39 @@
+#include "lib/reset.h"
+
+#include "app/modtable.h"
+#include "app/paths.h"
+#include "cal/cal_state.h"
+#include "db/db_state.h"
+#include "host/host.h"
+#include "ini/ini_stream.h"
+#include "ini/profile.h"
+#include "lfn/lfn_state.h"
+#include "msg/msg_internal.h"
+#include "msg/stat_state.h"
+#include "msg/vtm_internal.h"
+#include "ui/ui_state.h"
+#include "vanto/ini.h"
+
+namespace vnt {
+
+void resetLibrary() {
+    // The library-wide INI object closes before the message system goes.
+    ini::reset();
+    db::reset();
+    app::resetModules();
+    app::resetLifecycle();
+    app::resetPaths();
+    Vnt_AppSetProfile(nullptr);
+    ini::profileReset();
+    cal::reset();
+    msg::resetStat();
+    msg::resetTexts();
+    msg::resetBox();
+    msg::resetReports();
+    vtm::reset();
+    lfn::resetState();
+    ui::resetHeadless();
+    host::reset();
+}
+
+}  // namespace vnt
