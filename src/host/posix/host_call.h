@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <string>
+#include <vector>
 
 #include "host/host.h"
 
@@ -22,5 +23,12 @@ inline bool hostCall(const char* libPath, Op op, std::string& host) {
     }
     return true;
 }
+
+/// Starts `program` with `argv` (null-terminated), in `hostDir` unless it is
+/// empty, looked up on PATH when `searchPath`; the child joins the one list
+/// of started processes. False with errno set when it cannot start.
+bool spawnChild(const std::string& program, bool searchPath, std::vector<char*>& argv, const std::string& hostDir);
+/// Collects the started processes that have ended (without waiting).
+void reapChildren();
 
 }  // namespace vnt::host

@@ -14,36 +14,12 @@
 #include <vector>
 
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/stat.h>
 #include <sys/types.h>
-#include <sys/wait.h>
 #include <unistd.h>
-
-extern char** environ;
 
 namespace vnt::host {
 namespace {
-
-// Openers started and not yet reaped.
-std::vector<pid_t>& children() {
-    static std::vector<pid_t> c;
-    return c;
-}
-
-// Collects the openers that have ended, so none lingers as a zombie.
-void reapChildren() {
-    std::vector<pid_t>& c = children();
-    for (std::size_t i = 0; i < c.size();) {
-        int status;
-        pid_t r = ::waitpid(c[i], &status, WNOHANG);
-        if (r == c[i] || (r < 0 && errno == ECHILD)) {
-            c.erase(c.begin() + static_cast<std::ptrdiff_t>(i));
-        } else {
-            ++i;
-        }
-    }
-}
 
 bool isHostDir(const std::string& host) {
     struct stat st;
@@ -255,7 +231,6 @@ bool fileExists(const char* libPath) {
 }
 
 bool openDocument(const char* libPath) {
-    reapChildren();
     std::string host, opener;
     if (libPath == nullptr || !toHost(libPath, host)) {
         errno = ENOENT;
@@ -267,14 +242,7 @@ bool openDocument(const char* libPath) {
     }
     std::string arg0 = "xdg-open";
     std::vector<char*> argv = {arg0.data(), host.data(), nullptr};
-    pid_t pid;
-    int rc = ::posix_spawn(&pid, opener.c_str(), nullptr, nullptr, argv.data(), environ);
-    if (rc != 0) {
-        errno = rc;
-        return false;
-    }
-    children().push_back(pid);
-    return true;
+    return spawnChild(opener, false, argv, std::string());
 }
 
 void sleepMs(long ms) {

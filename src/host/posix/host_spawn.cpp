@@ -1,40 +1,20 @@
 // Starting programs.
 #include "host/host.h"
+#include "host/posix/host_call.h"
 
 #include <cerrno>
 #include <string>
 #include <vector>
 
-#include <spawn.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "base/names.h"
 #include "vanto/text.h"
 
-extern char** environ;
-
 namespace vnt::host {
 
 namespace {
-
-// Programs started and not yet reaped.
-std::vector<pid_t>& started() {
-    static std::vector<pid_t> pids;
-    return pids;
-}
-
-// Collects the programs that have ended, so none lingers as a zombie.
-void reap() {
-    std::vector<pid_t>& c = started();
-    for (std::size_t i = 0; i < c.size();) {
-        int status;
-        const pid_t r = ::waitpid(c[i], &status, WNOHANG);
-        if (r == c[i] || (r < 0 && errno == ECHILD)) c.erase(c.begin() + static_cast<std::ptrdiff_t>(i));
-        else ++i;
-    }
-}
 
 // The argument text as a command line splits it: at blanks and tabs, with
 // double quotes grouping (and themselves dropped).
@@ -78,25 +58,12 @@ bool spawn(const std::string& program, bool searchPath, const char* args, const 
     std::vector<char*> argv = {arg0.data()};
     for (std::string& a : parts) argv.push_back(a.data());
     argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    ::posix_spawn_file_actions_init(&actions);
-    if (!hostDir.empty()) ::posix_spawn_file_actions_addchdir_np(&actions, hostDir.c_str());
-    pid_t pid;
-    const int rc = searchPath ? ::posix_spawnp(&pid, program.c_str(), &actions, nullptr, argv.data(), environ)
-                              : ::posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), environ);
-    ::posix_spawn_file_actions_destroy(&actions);
-    if (rc != 0) {
-        errno = rc;
-        return false;
-    }
-    started().push_back(pid);
-    return true;
+    return spawnChild(program, searchPath, argv, hostDir);
 }
 
 }  // namespace
 
 bool startProgram(const char* libPath, const char* args, const char* libWorkDir) {
-    reap();
     if (libPath == nullptr || !*libPath) {
         errno = ENOENT;
         return false;
