@@ -1,6 +1,7 @@
 // The client selection: running it once for Vnt_DlgDsn, the headless
 // selection (the default client, else a choice on the terminal) and the
-// scripted one for tests.
+// scripted one for tests. It lives beside the registry it shows, not with
+// the other headless ports, because it works on the registry.
 #include <string>
 
 #include "base/port_slot.h"
