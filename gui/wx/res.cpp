@@ -52,6 +52,7 @@ bool loadEmbeddedResources() {
     static bool loaded = false;
     if (loaded) return true;
     wxXmlResource::Get()->InitAllHandlers();
+    addEdXmlHandler();
     bool ok = true;
     for (const EmbeddedXrc* x = kEmbeddedXrc; x->name; ++x)
         ok = addDocument(x->data, x->size, wxString("vantortl:") + x->name) && ok;

@@ -18,5 +18,7 @@ extern const EmbeddedXrc kEmbeddedXrc[];
 /// Loads the embedded files into wxXmlResource (once); false when one of
 /// them is not valid XRC.
 bool loadEmbeddedResources();
+/// Installs the XRC handler of the typed edit control (once).
+void addEdXmlHandler();
 
 }  // namespace vnt::wx
