@@ -209,7 +209,9 @@ TEST_F(EdConv, DateSizeCodes) {
         box.shown.clear();
         EXPECT_STREQ(Vnt__EdSetVal(7, &d, 0, r.size), r.text);
         ASSERT_EQ(box.shown.size(), r.report ? 1u : 0u);
-        if (r.report) EXPECT_TRUE(contains(box.shown[0].text, "Vnt_Ed")) << box.shown[0].text;
+        if (r.report) {
+            EXPECT_TRUE(contains(box.shown[0].details, "Vnt_Ed")) << box.shown[0].details;
+        }
     }
     // Reading into the old time class is refused; nothing is stored.
     box.shown.clear();
@@ -225,7 +227,7 @@ TEST_F(EdConv, DateSizeCodes) {
 }
 
 TEST_F(EdConv, TypeMessageOncePerTypeInARow) {
-    const std::string valText = "---> Type 5 does not support 'Get/SetVal()'. <---\n(text types do not support these operations)";
+    const std::string valText = "--> Type 5 does not support 'Get/SetVal()'. <---\n(text types do not support these operations)";
     std::string s;
     VNT_DATE d{};
     Vnt__EdSetVal(5, nullptr, 1, 0);
@@ -242,13 +244,13 @@ TEST_F(EdConv, TypeMessageOncePerTypeInARow) {
     EXPECT_STREQ(Vnt__EdSetDate(3, &d), "");
     ASSERT_EQ(box.shown.size(), 4u);
     EXPECT_TRUE(contains(box.shown[3].text,
-                         "---> Type 3 does not support 'Get/SetVal()'. <---\n(non-text types do not support"));
+                         "--> Type 3 does not support 'Get/SetVal()'. <---\n(non-text types do not support"));
     // A text operation on a non-text type.
     EXPECT_FALSE(Vnt__EdGetString(2, s, nullptr, nullptr));
     EXPECT_FALSE(Vnt__EdSetString(2, "x", nullptr, nullptr));
     ASSERT_EQ(box.shown.size(), 5u);
     EXPECT_TRUE(contains(box.shown[4].text,
-                         "---> Type 2 does not support 'Get/SetText()'. <---\n(non-text types do not support these operations)"))
+                         "--> Type 2 does not support 'Get/SetText()'. <---\n(non-text types do not support these operations)"))
         << box.shown[4].text;
     // An unknown type.
     Vnt__EdSetVal(10, nullptr, 1, 0);

@@ -11,6 +11,12 @@ class VantoEdXmlHandler : public wxXmlResourceHandler {
 public:
     bool CanHandle(wxXmlNode* node) override { return IsOfClass(node, "VantoEd"); }
 
+    // wx's GetFloat reads single precision: 99999.99 would become 100000.
+    double getDouble(const char* param) {
+        double v = 0;
+        return GetParamValue(param).Trim().Trim(false).ToCDouble(&v) ? v : 0.0;
+    }
+
     wxObject* DoCreateResource() override {
         XRC_MAKE_INSTANCE(ed, VantoEd)
         // What shapes the native control is set before it is created.
@@ -25,9 +31,9 @@ public:
         if (HasParam("forecolor")) ed->SetForeColor(static_cast<unsigned long>(GetLong("forecolor")));
         ed->SetUseFont(GetBool("usefont"));
         ed->Create(m_parentAsWindow, GetID(), GetPosition(), GetSize(), GetStyle(), GetName());
-        ed->SetMinVal(GetFloat("minval"));
-        ed->SetMaxVal(GetFloat("maxval"));
-        ed->SetDfltVal(GetFloat("dfltval"));
+        ed->SetMinVal(getDouble("minval"));
+        ed->SetMaxVal(getDouble("maxval"));
+        ed->SetDfltVal(getDouble("dfltval"));
         ed->SetSigned(GetBool("signed"));
         ed->SetAlignV(static_cast<short>(GetLong("alignv", 0)));
         ed->SetDecPlaces(static_cast<short>(GetLong("decplaces", 2)));

@@ -50,8 +50,9 @@ bool isEmptyDouble(double v) { return std::bit_cast<std::uint64_t>(v) == 0xC413C
 void typeMessage(long type, const char* ops) {
     if (state().lastReportedType == type) return;
     state().lastReportedType = type;
-    Vnt_MsgBox("---> Type %d does not support '%s'. <---\n(%s these operations)", static_cast<int>(type), ops,
-               Vnt_EdIsTextType(type) ? "text types do not support" : "non-text types do not support");
+    // The leading "-" is the box's icon character (no icon): the box shows "--> Type ...".
+    Vnt_MsgH(nullptr, "---> Type %d does not support '%s'. <---\n(%s these operations)", static_cast<int>(type), ops,
+             Vnt_EdIsTextType(type) ? "text types do not support" : "non-text types do not support");
 }
 
 bool blankOnly(const char* text) {

@@ -6,6 +6,8 @@
 
 #include <filesystem>
 
+#include <wx/clipbrd.h>
+#include <wx/dataobj.h>
 #include <wx/dcclient.h>
 #include <wx/dcmemory.h>
 #include <wx/image.h>
@@ -249,7 +251,9 @@ TEST_F(EdWx, ExchangeOutOfRangeFailsAndShowsTheNormalisedText) {
         n.SetText(b.text);
         VntDataExchange dx(dlg_, true);
         EXPECT_EQ(n.DDX(&dx, v), b.ok);
-        if (b.ok) EXPECT_EQ(std::to_string(v), b.text);
+        if (b.ok) {
+            EXPECT_EQ(std::to_string(v), b.text);
+        }
     }
     // Empty text is no value: it passes.
     n.SetText("");
