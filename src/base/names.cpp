@@ -7,7 +7,7 @@ namespace vnt {
 bool sameText(std::string_view a, std::string_view b) noexcept {
     if (a.size() != b.size()) return false;
     for (std::size_t i = 0; i < a.size(); ++i)
-        if (foldCase(a[i]) != foldCase(b[i])) return false;
+        if (a[i] != b[i] && foldCase(a[i]) != foldCase(b[i])) return false;
     return true;
 }
 

@@ -15,7 +15,29 @@ namespace vnt {
 /// Only letters fold, so "[" and "{" stay different, and the result does not
 /// depend on the C run time's locale.
 ///   'a' => 'A'   0xE4 'ä' => 0xC4 'Ä'   0x9A 'š' => 0x8A 'Š'   '[' => '['   0xDF 'ß' => 0xDF
-inline unsigned char foldCase(char c) noexcept { return Vnt_TxtUpper(static_cast<unsigned char>(c)); }
+constexpr unsigned char foldRule(unsigned char c) noexcept {
+    if ((c >= 'a' && c <= 'z') || (c >= 0xE0 && c <= 0xFE && c != 0xF7)) return static_cast<unsigned char>(c - 32);
+    switch (c) {
+        case 0x9A: return 0x8A;  // š
+        case 0x9C: return 0x8C;  // œ
+        case 0x9E: return 0x8E;  // ž
+        case 0xFF: return 0x9F;  // ÿ
+        default: return c;
+    }
+}
+
+namespace detail {
+struct FoldTable {
+    unsigned char upper[256];
+    constexpr FoldTable() : upper() {
+        for (int c = 0; c < 256; ++c) upper[c] = foldRule(static_cast<unsigned char>(c));
+    }
+};
+inline constexpr FoldTable kFold;
+}  // namespace detail
+
+/// foldRule through a table: names are compared a character at a time.
+inline unsigned char foldCase(char c) noexcept { return detail::kFold.upper[static_cast<unsigned char>(c)]; }
 
 /// Equal without regard to case (foldCase on both sides); lengths must match.
 ///   "Main" "MAIN" => true   "Größe" "GRÖßE" => true   "a[" "A{" => false   "ab" "abc" => false

@@ -3,6 +3,8 @@
 // message sources).
 #include "vanto/text.h"
 
+#include "base/names.h"
+
 namespace {
 
 // Code points of 0x80..0x9F. The five bytes Windows-1252 leaves undefined map
@@ -106,14 +108,4 @@ bool Vnt_TxtFromUtf8(std::string_view utf8, std::string& out, std::size_t* badPo
     return true;
 }
 
-unsigned char Vnt_TxtUpper(unsigned char c) {
-    if (c >= 'a' && c <= 'z') return static_cast<unsigned char>(c - 32);
-    if (c >= 0xE0 && c <= 0xFE && c != 0xF7) return static_cast<unsigned char>(c - 32);
-    switch (c) {
-        case 0x9A: return 0x8A;  // š
-        case 0x9C: return 0x8C;  // œ
-        case 0x9E: return 0x8E;  // ž
-        case 0xFF: return 0x9F;  // ÿ
-        default: return c;
-    }
-}
+unsigned char Vnt_TxtUpper(unsigned char c) { return vnt::foldRule(c); }
