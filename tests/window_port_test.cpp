@@ -1,5 +1,7 @@
-// The headless window system: sent and posted messages, closing and destroying
-// fake windows, and modal loops that end from a handler or give up.
+// The headless window system: the contract every port keeps (window_port_
+// cases.h), and what only fake windows do: their record of received
+// messages, one pass of posted messages per pump, forgetting everything,
+// and modal loops that give up when nothing can end them.
 #include <gtest/gtest.h>
 
 #include "support.h"
@@ -9,8 +11,26 @@
 #include <vector>
 
 #include "vanto/ui/window.h"
+#include "window_port_cases.h"
 
 namespace {
+
+using vnt::test::WindowPortContract;
+
+class HeadlessHarness : public vnt::test::WindowHarness {
+public:
+    HeadlessHarness() { vnt::test::resetAll(); }
+    VntWindowPort& port() override { return port_; }
+    VNT_HWND create(const std::string& name, Handler handler) override { return port_.CreateFake(name, handler); }
+    void setMain(VNT_HWND win) override { port_.SetMainWindow(win); }
+
+private:
+    VntHeadlessWindowPort port_;
+};
+
+std::unique_ptr<vnt::test::WindowHarness> headless() { return std::make_unique<HeadlessHarness>(); }
+
+INSTANTIATE_TEST_SUITE_P(Headless, WindowPortContract, ::testing::Values(&headless));
 
 constexpr unsigned kUser = 0x0400;
 
@@ -27,30 +47,6 @@ protected:
     VntHeadlessWindowPort port;
     std::string log;
 };
-
-TEST_F(WindowPort, SendAnswersAndCloseDestroysUnlessRefused) {
-    struct Row { const char* name; bool handler; long answer; bool survives; };
-    for (const Row& r : {Row{"no handler", false, 0, false}, {"handler answers 0", true, 0, false},
-                         {"handler refuses", true, 1, true}}) {
-        VNT_HWND w = r.handler ? logged("w", r.answer) : port.CreateFake("w");
-        EXPECT_EQ(port.Send(w, kUser, 1, 2), r.answer) << r.name;
-        EXPECT_EQ(port.Send(w, VNT_WM_CLOSE, 0, 0), r.answer) << r.name;
-        EXPECT_EQ(port.IsWindow(w), r.survives) << r.name;
-        const auto& got = port.Messages(w);  // readable after destruction too
-        ASSERT_EQ(got.size(), 2u) << r.name;
-        EXPECT_TRUE(got[0].msg == kUser && got[0].wparam == 1 && got[0].lparam == 2 && !got[0].posted) << r.name;
-        EXPECT_EQ(port.Name(w), r.survives ? "w" : "") << r.name;
-    }
-    // Nothing answers for a destroyed, null or foreign handle.
-    VNT_HWND gone = logged("gone", 5);
-    port.Destroy(gone);
-    int foreign = 0;
-    for (VNT_HWND w : {gone, VNT_HWND{}, reinterpret_cast<VNT_HWND>(&foreign)})
-        EXPECT_EQ(std::tuple(port.Send(w, kUser, 0, 0), port.Post(w, kUser, 0, 0), port.IsWindow(w)),
-                  std::tuple(0L, false, false));
-    EXPECT_TRUE(port.Messages(reinterpret_cast<VNT_HWND>(&foreign)).empty());
-    EXPECT_EQ(log, "w:1024 w:16 w:1024 w:16 ");
-}
 
 TEST_F(WindowPort, PostedMessagesArriveInOrderOnePassAtATime) {
     VNT_HWND a = logged("a"), b = logged("b");
@@ -92,29 +88,22 @@ TEST_F(WindowPort, DestroyAndClearForgetTheRoles) {
     EXPECT_TRUE(!port.IsWindow(main) && port.MainWindow() == nullptr && port.Messages(main).empty());
 }
 
-TEST_F(WindowPort, ModalLoopEndsFromAHandlerOrGivesUp) {
+TEST_F(WindowPort, ModalLoopGivesUpWhenNothingCanEndIt) {
     port.modalDefault = 7;
-    // passes: posts before the handler ends the loop (-1: never); close: the
-    // last post is a close instead; endEarly: EndModalLoop before the loop runs.
-    struct Row { const char* name; int passes; bool close, endEarly; int expect; };
-    for (const Row& r : {Row{"nothing posted", -1, false, false, 7}, {"ended on the first message", 0, false, false, 42},
-                         {"ended after three re-posts", 3, false, false, 42},
-                         {"posts run out", -2, false, false, 7}, {"closed meanwhile", 2, true, false, -1},
-                         {"an earlier end is lost", -1, false, true, 7}}) {
+    // posts: messages the window keeps posting to itself, none ending the
+    // loop; endEarly: EndModalLoop before the loop runs.
+    struct Row { const char* name; int posts; bool endEarly; };
+    for (const Row& r : {Row{"nothing posted", 0, false}, {"posts run out", 2, false}, {"an earlier end is lost", 0, true}}) {
         int seen = 0;
-        VNT_HWND dlg = port.CreateFake("dlg", [&](VNT_HWND w, unsigned msg, uintptr_t, intptr_t) {
-            if (msg == VNT_WM_CLOSE) return 0L;
-            if (seen++ == r.passes)
-                r.close ? void(port.Post(w, VNT_WM_CLOSE, 0, 0)) : port.EndModalLoop(w, 42);
-            else if (r.passes >= 0 || seen <= 2)
-                port.Post(w, kUser, 0, 0);
+        VNT_HWND dlg = port.CreateFake("dlg", [&](VNT_HWND w, unsigned, uintptr_t, intptr_t) {
+            if (++seen < r.posts) port.Post(w, kUser, 0, 0);
             return 0L;
         });
-        if (r.passes != -1) port.Post(dlg, kUser, 0, 0);
+        if (r.posts > 0) port.Post(dlg, kUser, 0, 0);
         if (r.endEarly) port.EndModalLoop(dlg, 42);
-        EXPECT_EQ(port.RunModalLoop(dlg, 0), r.expect) << r.name;
+        EXPECT_EQ(port.RunModalLoop(dlg, 0), 7) << r.name;
+        EXPECT_EQ(seen, r.posts) << r.name;
     }
-    EXPECT_EQ(port.RunModalLoop(nullptr, 0), -1);
 }
 
 }  // namespace

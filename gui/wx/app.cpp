@@ -6,6 +6,7 @@
 
 #include "res_table.h"
 #include "vanto/wx/dsndlg.h"
+#include "window_port.h"
 #include "wx_state.h"
 
 namespace vnt::wx {
@@ -25,6 +26,7 @@ bool Vnt_WxInit() {
     // Each port's wx implementation goes in through vnt::wx::install
     // (wx_state.h), which keeps the port it replaces for Vnt_WxTerm:
     //   vnt::wx::install(std::make_shared<WxThing>(), Vnt_UiSetThing);
+    vnt::wx::install(std::make_shared<vnt::wx::WxWindowPort>(), Vnt_UiSetWindow);
     vnt::wx::install(std::make_shared<VntWxClientSelect>(), Vnt_UiSetClientSelect);
     s.active = true;
     return true;

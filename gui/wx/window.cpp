@@ -27,8 +27,10 @@ wxWindow* Vnt_WxWindow(VNT_HWND handle) {
     if (handle == nullptr) return nullptr;
     for (wxWindow* top : wxTopLevelWindows) {
         if (!holds(top, handle)) continue;
+        // A window on its way out (its own or a parent's Destroy) counts as gone.
         wxWindow* w = reinterpret_cast<wxWindow*>(handle);
-        if (w->IsBeingDeleted() || (wxTheApp && wxTheApp->IsScheduledForDestruction(w))) return nullptr;
+        for (wxWindow* p = w; p; p = p->GetParent())
+            if (p->IsBeingDeleted() || (wxTheApp && wxTheApp->IsScheduledForDestruction(p))) return nullptr;
         return w;
     }
     return nullptr;

@@ -215,11 +215,9 @@ bool fileExists(const char* libPath);
 /// Opens a document with the desktop's opener ("xdg-open" found on PATH);
 /// does not wait for it. False when there is no opener or it cannot start.
 bool openDocument(const char* libPath);
-/// Sleeps `ms` milliseconds.
+/// Sleeps `ms` milliseconds. (A wait that serves the windows is the
+/// application frame's Vnt_Delay.)
 void sleepMs(long ms);
-/// Waits `ms` milliseconds while the window system's pending events are
-/// handled (at least one pass, also for 0).
-void delay(long ms);
 
 }  // namespace vnt::host
 

@@ -14,6 +14,7 @@
 #include "host/host.h"
 #include "msg/msg_ini.h"
 #include "msg/msgbox_internal.h"
+#include "vanto/app.h"
 #include "vanto/lfn.h"
 #include "vanto/ui/help.h"
 #include "vanto/ui/window.h"
@@ -306,6 +307,13 @@ VNT_RESP plainBox(const char* format, va_list* args, bool fixedAnswer) {
     return mapAnswer(pressed, buttons == 4);
 }
 
+// The waits of the copy and editor actions: the windows are served at least
+// once, also when no time is given.
+void waitServed(long ms) {
+    Vnt_UiWindow().PumpEvents();
+    Vnt_Delay(ms > 0 ? static_cast<unsigned long>(ms) : 0UL, nullptr);
+}
+
 // What the copy and editor actions hand on: the text, then the details.
 std::string actionText(const VntBoxModel& box) {
     return box.details.empty() ? box.text : box.text + "\n\n" + box.details;
@@ -370,7 +378,7 @@ bool Vnt_MsgBoxCopy(const VntBoxModel& box) {
     VntWindowPort& win = Vnt_UiWindow();
     win.BusyCursor(true);
     const bool ok = win.SetClipboardText(vnt::msg::box::actionText(box));
-    vnt::host::delay(vnt::msg::box::boxState().copyWaitMs);
+    vnt::msg::box::waitServed(vnt::msg::box::boxState().copyWaitMs);
     win.BusyCursor(false);
     return ok;
 }
@@ -390,7 +398,7 @@ bool Vnt_MsgBoxEdit(const VntBoxModel& box) {
     bool ok = vnt::host::writeFileAtomic(file, vnt::msg::box::actionText(box));
     if (ok) {
         ok = vnt::host::openDocument(file);
-        if (ok) vnt::host::delay(vnt::msg::box::boxState().editWaitMs);
+        if (ok) vnt::msg::box::waitServed(vnt::msg::box::boxState().editWaitMs);
         vnt::host::removeFile(file);
     }
     win.BusyCursor(false);

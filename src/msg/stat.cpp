@@ -12,6 +12,7 @@
 #include "base/format.h"
 #include "base/strbuf.h"
 #include "host/host.h"
+#include "vanto/app.h"
 #include "msg/stat_state.h"
 #include "vanto/amount.h"
 #include "vanto/ui/progress.h"
@@ -434,7 +435,7 @@ void VntStat::Delay(long ms) {
     for (;;) {
         if (IsOpen()) Vnt_UiProgress().PumpEvents();
         const std::int64_t left = end - vnt::host::tickMs();
-        vnt::host::delay(left > 10 ? 10 : (left > 0 ? static_cast<long>(left) : 0));
+        Vnt_Delay(left > 10 ? 10UL : (left > 0 ? static_cast<unsigned long>(left) : 0UL), nullptr);
         if (vnt::host::tickMs() >= end) return;
     }
 }

@@ -3,12 +3,18 @@
 // application's registration by VntAppDlg.
 #include "wx_support.h"
 
+#include <filesystem>
+
 #include <wx/button.h>
+#include <wx/frame.h>
 #include <wx/uiaction.h>
 
+#include "app/modtable.h"
+#include "vanto/lfn.h"
 #include "vanto/module.h"
 #include "vanto/ui/help.h"
 #include "vanto/ui/msgbox.h"
+#include "vanto/ui/window.h"
 #include "vanto/wx/dlg.h"
 #include "vanto/wx/res.h"
 #include "vanto/wx/window.h"
@@ -130,6 +136,47 @@ TEST_F(Dialogs, SizeCheckSpeaksOnlyForAnotherLayout) {
     EXPECT_EQ(box.plainShown[0].text, "'VntDlg' size is 4 - should be " + std::to_string(sizeof(VntDlg)) + ".\n");
     EXPECT_EQ(box.plainShown[1].text, "'VntDlg' proc table size is 2 - should be " +
                                           std::to_string(VntDlg::kProcTableSize) + ".\n");
+}
+
+// An application dialog of module 12 (single instance) is the module's
+// window: registered when it is initialised, so that loading the module
+// again activates it through the real main window, and gone from the
+// window table when it is destroyed.
+TEST_F(Dialogs, AppDialogIsTheModulesWindow) {
+    namespace fs = std::filesystem;
+    const fs::path dir = fs::temp_directory_path() / "vanto_wx_appdlg";
+    fs::create_directories(dir);
+    char prog[VNT_MAX_PATH];
+    ASSERT_TRUE(Vnt_LfnFromHost(prog, (dir / "Fibu").string().c_str()));
+    vnt::host::setProgramFile(prog);
+    vnt::test::writeIniLibrary(dir, "Modules.vtm", {"12, Kunden.dll, Kunden, ModMain, 1"});
+    ASSERT_TRUE(vnt::app::loadModuleTable());
+
+    auto* main = new wxFrame(nullptr, wxID_ANY, "Fibu");
+    wxTheApp->SetTopWindow(main);
+    std::vector<std::pair<unsigned, uintptr_t>> toMain;
+    main->Bind(VNT_EVT_MESSAGE, [&](VntWxMessageEvent& e) { toMain.emplace_back(e.Message(), e.WParam()); });
+
+    auto* dlg = new VntAppDlg(12, 5001, main);
+    ASSERT_TRUE(dlg->IsOk());
+    EXPECT_EQ(Vnt_AppModHwnd(0), nullptr) << "registered when initialised, not before";
+    dlg->Show();
+    pump(20);
+    const VNT_HWND h = Vnt_WxHandle(dlg);
+    EXPECT_EQ(Vnt_AppModHwnd(0), h);
+    EXPECT_EQ(Vnt_AppModInfoEx(12)->hWndMain, h);
+    EXPECT_EQ(Vnt_AppModInfoEx(12)->nOpenWindows, 1);
+
+    EXPECT_TRUE(Vnt_AppModLoad(12, 0, 0, false)) << "the open window is activated instead";
+    ASSERT_EQ(toMain.size(), 1u);
+    EXPECT_EQ(toMain[0], std::make_pair(VNT_WM_MDIACTIVATE, reinterpret_cast<uintptr_t>(h)));
+
+    dlg->Destroy();
+    EXPECT_EQ(Vnt_AppModHwnd(0), nullptr);
+    EXPECT_EQ(Vnt_AppModInfoEx(12)->nOpenWindows, 0);
+    wxTheApp->SetTopWindow(nullptr);
+    vnt::host::setProgramFile("");
+    fs::remove_all(dir);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 // desktop's opener and waiting while the window system runs.
 #include "host/host.h"
 #include "host/posix/host_call.h"
-#include "vanto/ui/window.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -247,19 +246,6 @@ bool openDocument(const char* libPath) {
 
 void sleepMs(long ms) {
     if (ms > 0) std::this_thread::sleep_for(std::chrono::milliseconds(ms));
-}
-
-void delay(long ms) {
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point end = Clock::now() + std::chrono::milliseconds(ms > 0 ? ms : 0);
-    for (;;) {
-        Vnt_UiWindow().PumpEvents();
-        reapChildren();
-        Clock::time_point now = Clock::now();
-        if (now >= end) return;
-        auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - now).count();
-        sleepMs(left < 10 ? static_cast<long>(left) + 1 : 10);
-    }
 }
 
 }  // namespace vnt::host
