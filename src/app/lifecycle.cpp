@@ -166,16 +166,9 @@ void Vnt_Unbusy() {
     state().busy = false;
 }
 
-/*
- * Serves the window system's events until the time is up, sleeping a few
- * milliseconds between passes so that a wait costs no processor time.
- */
+// The window port's wait: events served, sleeping between the passes.
 void Vnt_Delay(unsigned long ms, VNT_HWND /*dialog*/) {
-    const std::int64_t end = vnt::host::tickMs() + static_cast<std::int64_t>(ms);
-    for (std::int64_t now = vnt::host::tickMs(); now < end; now = vnt::host::tickMs()) {
-        Vnt_UiWindow().PumpEvents();
-        vnt::host::sleepMs(static_cast<long>(std::min<std::int64_t>(end - vnt::host::tickMs(), 10)));
-    }
+    if (ms > 0) Vnt_UiWindow().Wait(static_cast<long>(std::min<unsigned long>(ms, 0x7FFFFFFF)));
 }
 
 void Vnt_DelayWait(unsigned long ms) {

@@ -14,7 +14,6 @@
 #include "host/host.h"
 #include "msg/msg_ini.h"
 #include "msg/msgbox_internal.h"
-#include "vanto/app.h"
 #include "vanto/lfn.h"
 #include "vanto/ui/help.h"
 #include "vanto/ui/window.h"
@@ -309,10 +308,7 @@ VNT_RESP plainBox(const char* format, va_list* args, bool fixedAnswer) {
 
 // The waits of the copy and editor actions: the windows are served at least
 // once, also when no time is given.
-void waitServed(long ms) {
-    Vnt_UiWindow().PumpEvents();
-    Vnt_Delay(ms > 0 ? static_cast<unsigned long>(ms) : 0UL, nullptr);
-}
+void waitServed(long ms) { Vnt_UiWindow().Wait(ms); }
 
 // What the copy and editor actions hand on: the text, then the details.
 std::string actionText(const VntBoxModel& box) {

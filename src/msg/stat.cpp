@@ -12,7 +12,6 @@
 #include "base/format.h"
 #include "base/strbuf.h"
 #include "host/host.h"
-#include "vanto/app.h"
 #include "msg/stat_state.h"
 #include "vanto/amount.h"
 #include "vanto/ui/progress.h"
@@ -435,7 +434,7 @@ void VntStat::Delay(long ms) {
     for (;;) {
         if (IsOpen()) Vnt_UiProgress().PumpEvents();
         const std::int64_t left = end - vnt::host::tickMs();
-        Vnt_Delay(left > 10 ? 10UL : (left > 0 ? static_cast<unsigned long>(left) : 0UL), nullptr);
+        Vnt_UiWindow().Wait(left > 10 ? 10 : (left > 0 ? static_cast<long>(left) : 0));
         if (vnt::host::tickMs() >= end) return;
     }
 }

@@ -11,6 +11,17 @@
 #include "vanto/ui/window.h"
 
 VntWindowPort::~VntWindowPort() = default;
+
+// Sleeps between passes so that a wait costs no processor time.
+void VntWindowPort::Wait(long ms) {
+    const std::int64_t end = vnt::host::tickMs() + (ms > 0 ? ms : 0);
+    for (;;) {
+        PumpEvents();
+        const std::int64_t left = end - vnt::host::tickMs();
+        if (left <= 0) return;
+        vnt::host::sleepMs(static_cast<long>(left < 10 ? left : 10));
+    }
+}
 VntMsgPresenter::~VntMsgPresenter() = default;
 
 namespace {

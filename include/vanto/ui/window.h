@@ -31,6 +31,12 @@ public:
     virtual VNT_HWND MainWindow() = 0;
     /// Runs one pass of pending events without waiting.
     virtual void PumpEvents() = 0;
+    /// Waits `ms` milliseconds while the events are served: a pass of
+    /// PumpEvents, then short sleeps and passes until the time is up (at
+    /// least one pass, also for 0). The waits of the library that keep the
+    /// windows alive (Vnt_Delay, the message box's actions, the progress
+    /// dialog's Delay) are this one.
+    virtual void Wait(long ms);
     virtual void BusyCursor(bool on) = 0;
     virtual void Beep() = 0;
     /// Puts plain text (Windows-1252) on the clipboard; false on failure.
