@@ -121,7 +121,7 @@ TEST_F(FileCopy, OverwriteModes) {
     }
 }
 
-TEST_F(FileCopy, FailuresAskAndLeaveNoTarget) {
+TEST_F(FileCopy, FailuresAskAndLeaveTheOldTarget) {
     const std::string data = big(50000), old = "an older target";
     struct Row {
         const char* name;
@@ -134,9 +134,11 @@ TEST_F(FileCopy, FailuresAskAndLeaveNoTarget) {
     // Opens: the source's time, the source, the target. Reads and writes:
     // one of each per chunk of 16 384 bytes, so these fail mid-copy.
     const Row rows[] = {
-        {"read error, cancelled", Op::Read, 2, VNT_BTN_CANCEL, VNT_FC_READ, 0, "dst", "(missing)"},
-        {"write error, cancelled", Op::Write, 3, VNT_BTN_CANCEL, VNT_FC_WRITE, 0, "dst", "(missing)"},
-        {"write error, answered no", Op::Write, 2, VNT_BTN_NO, VNT_FC_WRITE, 0, "dst", "(missing)"},
+        {"read error, cancelled", Op::Read, 2, VNT_BTN_CANCEL, VNT_FC_READ, 0, "dst", old},
+        {"write error, cancelled", Op::Write, 3, VNT_BTN_CANCEL, VNT_FC_WRITE, 0, "dst", old},
+        {"write error, answered no", Op::Write, 2, VNT_BTN_NO, VNT_FC_WRITE, 0, "dst", old},
+        {"complete copy cannot take the name", Op::Rename, 1, VNT_BTN_CANCEL, VNT_FC_WRITE, 0, "dst", old},
+        {"complete copy takes the name on retry", Op::Rename, 1, VNT_BTN_RETRY, VNT_FC_OK, data.size(), "dst", data},
         {"read error, retried", Op::Read, 2, VNT_BTN_RETRY, VNT_FC_OK, data.size(), "dst", data},
         {"source cannot be opened", Op::Open, 2, VNT_BTN_CANCEL, VNT_FC_SOURCE, 0, "src", old},
         {"target cannot be opened", Op::Open, 3, VNT_BTN_CANCEL, VNT_FC_TARGET, 0, "dst", old},
@@ -150,7 +152,8 @@ TEST_F(FileCopy, FailuresAskAndLeaveNoTarget) {
         vnt::host::faultReset();
         EXPECT_EQ(fc.Error(), r.code) << r.name;
         expectOneQuestion(std::string(r.named) + "\\a", r.name);
-        EXPECT_TRUE(get("dst/a") == r.target) << r.name << ": a truncated target goes, an untouched one stays";
+        EXPECT_TRUE(get("dst/a") == r.target) << r.name << ": the old target stays until a copy is complete";
+        EXPECT_EQ(std::distance(fs::directory_iterator(base_ / "dst"), {}), 1) << r.name << ": no temporary file stays";
     }
 
     // A file copied onto itself under another spelling is refused, never

@@ -6,6 +6,7 @@
 
 #include "support.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -101,6 +102,59 @@ TEST_F(IniFile, SectionRewriteKeepsTheRestOfTheFile) {
         ASSERT_TRUE(rewrite(r.section, r.commit));
         EXPECT_EQ(text("Test.ini") + "|" + text("Test.tmp"), std::string(r.after) + "|(missing)");
     }
+}
+
+// A rewrite's temporary file beside a missing file is its complete new
+// content (left by a writer that died between removing the old file and the
+// rename): every way in takes it as the file.
+TEST_F(IniFile, LeftoverRewriteIsTaken) {
+    const std::function<std::string()> readers[] = {
+        [&] { VntIni ini(file("Test.ini").c_str(), "A"); return get(ini, "k"); },
+        [&] { char b[8]; Vnt_ProfileGetString("A", "k", "-", b, sizeof b, file("Test.ini").c_str()); return std::string(b); },
+        [&] { return rewrite("B") ? text("Test.ini") : "rewrite failed"; },
+    };
+    const char* const want[] = {"new", "new", "[A]\r\nk=new\r\n\r\n[B]\r\nk=v\r\n"};
+    for (std::size_t i = 0; i < std::size(readers); ++i) {
+        Vnt_ProfileFlush(nullptr);
+        fs::remove(dir_ / "Test.ini");
+        put("Test.tmp", "[A]\r\nk=new\r\n");
+        EXPECT_EQ(readers[i](), want[i]) << i;
+        EXPECT_FALSE(fs::exists(dir_ / "Test.tmp")) << i;
+    }
+    put("Test.tmp", "[A]\r\nk=stale\r\n");
+    VntIni ini(file("Test.ini").c_str(), "A");
+    EXPECT_EQ(get(ini, "k"), "new") << "beside an existing file it is not taken";
+}
+
+// Names the file cannot hold are refused, not cut or written so that they
+// read back as something else.
+TEST_F(IniFile, NamesThatCannotBeHeldAreRefused) {
+    const std::string dir = file("x").substr(0, file("x").size() - 1);
+    const std::string fits = dir + std::string(VNT_MAX_PATH - 1 - dir.size() - 4, 'n') + ".ini";
+    ASSERT_EQ(fits.size(), VNT_MAX_PATH - 1);
+    VntIniX tooLong((fits + "i").c_str(), "S");
+    errno = 0;
+    EXPECT_FALSE(tooLong.WriteStr("k", "v"));
+    EXPECT_EQ(vnt::host::lastError(), static_cast<unsigned long>(EINVAL));
+    EXPECT_FALSE(tooLong.SectionWriteBegin() || tooLong.WriteSection("k=v") || tooLong.Open(nullptr, VNTINI_KEEP, true));
+    EXPECT_EQ(get(tooLong, "k"), "-");
+    EXPECT_TRUE(box.shown.empty()) << "a refused name is no internal error";
+    VntIni ok(fits.c_str(), "S");
+    EXPECT_TRUE(ok.WriteStr("k", "v"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir_), {}), 2) << "App.vtm and the file whose name fits";
+
+    VntIniX ini(file("Test.ini").c_str(), "S");
+    for (const char* section : {"A\nB", "A]B", "A\r"}) {
+        errno = 0;
+        EXPECT_FALSE(ini.SectionWriteBegin(section)) << section;
+        EXPECT_EQ(vnt::host::lastError(), static_cast<unsigned long>(EINVAL)) << section;
+        EXPECT_FALSE(ini.WriteSection("k=v", section)) << section;
+    }
+    EXPECT_FALSE(fs::exists(dir_ / "Test.ini"));
+    ini.SetSection("S", -1);
+    EXPECT_FALSE(ini.WriteStr("[k", "v") || ini.WriteStr(";k", "v"));
+    EXPECT_FALSE(ini.WriteRect("r", nullptr));
+    EXPECT_TRUE(ini.WriteSection("k=v", "A[B") && ini.WriteStr("k[", "v"));
 }
 
 TEST_F(IniFile, LineReaderPiecesHeadersAndComments) {
@@ -224,7 +278,7 @@ TEST_F(IniFile, ReplacingTheFileAsksWhenItFails) {
         {"delete fails, abort leaves both", Op::Remove, 1, VNT_BTN_ABORT, oldText, newText},
         {"delete fails, ignore renames over it", Op::Remove, 1, VNT_BTN_IGNORE, newText, none},
         {"rename fails, retry", Op::Rename, 2, VNT_BTN_RETRY, newText, none},
-        {"rename fails, cancel gives up", Op::Rename, 2, VNT_BTN_CANCEL, none, newText},
+        {"rename fails, cancel gives up: the old file stays", Op::Rename, 2, VNT_BTN_CANCEL, oldText, newText},
     };
     for (const auto& r : rows) {
         SCOPED_TRACE(r.name);

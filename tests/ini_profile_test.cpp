@@ -12,6 +12,8 @@
 #include <random>
 #include <string>
 
+#include <unistd.h>
+
 #include "host/host.h"
 #include "ini/profile.h"
 #include "vanto/ini.h"
@@ -177,6 +179,8 @@ TEST_F(Profile, NamesThatWouldBreakTheFileAreRefused) {
         {"blank key", "A", " ", "1"},        {"] in the section", "A]", "k", "1"},
         {"empty section", " ", "k", "1"},    {"null section", nullptr, "k", "1"},
         {"line end in the value", "A", "k", "1\r\n[B]"}, {"line end in the section", "A\nB", "k", "1"},
+        {"key read as a header", "A", " [X", "v"}, {"key read as a comment", "A", ";x", "v"},
+        {"section read as another", "[B", "k", "1"},
     };
     for (const auto& r : rows) {
         errno = 0;
@@ -186,6 +190,51 @@ TEST_F(Profile, NamesThatWouldBreakTheFileAreRefused) {
     EXPECT_FALSE(Vnt_ProfileWriteString("A", "k", "1", nullptr));
     EXPECT_FALSE(Vnt_ProfileWriteString("A", "k", "1", (file_ + "\\no\\such.ini").c_str())) << "directory missing";
     EXPECT_EQ(text(), "[A]\nx=1\n");
+    // The other side of each limit: these characters elsewhere in a name are written.
+    ASSERT_TRUE(Vnt_ProfileWriteString("B[;", "x[;", "1", file_.c_str()));
+    EXPECT_EQ(get("b[;", "X[;"), "1");
+
+    // File names: 259 characters fit the library's buffers, 260 are refused
+    // (a read gives the default, a write fails) rather than cut to another name.
+    fs::remove(host_);
+    const std::string dir = file_.substr(0, file_.rfind('\\') + 1);
+    const std::string fits = dir + std::string(VNT_MAX_PATH - 1 - dir.size() - 4, 'n') + ".ini";
+    ASSERT_EQ(fits.size(), VNT_MAX_PATH - 1);
+    const std::string tooLong = fits + "i";
+    errno = 0;
+    EXPECT_FALSE(Vnt_ProfileWriteString("A", "k", "1", tooLong.c_str()));
+    EXPECT_EQ(vnt::host::lastError(), static_cast<unsigned long>(EINVAL));
+    EXPECT_TRUE(Vnt_ProfileWriteString("A", "k", "1", fits.c_str()));
+    char buf[8];
+    EXPECT_EQ(Vnt_ProfileGetString("A", "k", "d", buf, sizeof buf, fits.c_str()), 1u);
+    EXPECT_EQ(Vnt_ProfileGetString("A", "k", "d", buf, sizeof buf, tooLong.c_str()), 1u);
+    EXPECT_STREQ(buf, "d");
+    EXPECT_EQ(entries(), 1) << "only the file whose name fits";
+}
+
+// A NUL ends its line for the profile functions as for the line reader.
+TEST_F(Profile, NulEndsALine) {
+    put(std::string("[B\0x]\r\nk=1\0z\r\n[C]\r\n", 18));
+    using namespace std::string_literals;
+    EXPECT_EQ(get(nullptr, nullptr), "B\0C\0"s);
+    EXPECT_EQ(get("B", "k"), "1");
+    VntIni ini(file_.c_str(), nullptr);
+    char name[100];
+    EXPECT_TRUE(ini.SectionFirst(&name) && std::string(name) == "B");
+}
+
+// Temporary files of writers whose process died go with the next write to
+// their directory; those of running processes and other names stay.
+TEST_F(Profile, TemporaryFilesOfDeadWritersGo) {
+    const std::string dead = ".Other.ini.2147483600.7.tmp", mine = ".Test.ini." + std::to_string(::getpid()) + ".9.tmp";
+    const char* const keep[] = {".x.1.tmp", "Test.tmp", ".Test.ini.12a.3.tmp", "..5.6.tmp"};
+    for (const std::string& n : {dead, mine}) std::ofstream(dir_ / n) << "partial";
+    for (const char* n : keep) std::ofstream(dir_ / n) << "other";
+    put("[A]\n");
+    ASSERT_TRUE(Vnt_ProfileWriteString("A", "x", "1", file_.c_str()));
+    EXPECT_FALSE(fs::exists(dir_ / dead));
+    EXPECT_TRUE(fs::exists(dir_ / mine)) << "this process still runs";
+    for (const char* n : keep) EXPECT_TRUE(fs::exists(dir_ / n)) << n;
 }
 
 // Each failure during the replacement leaves the old file byte for byte, no

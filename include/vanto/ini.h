@@ -68,8 +68,11 @@ VANTO_API long Vnt_ProfileGetInt(const char* section, const char* key, long def,
 ///    leaves the file untouched and returns true.
 /// False, with the host's last error set and the file unchanged byte for
 /// byte, when the file cannot be read or replaced, or when a name would break
-/// the file (a line end anywhere; "]" in the section; "=" in the key; an empty
-/// or blank section or key; null section or file).
+/// the file or not read back (invalid argument: a line end anywhere; "]" in
+/// the section or "[" at its start; "=" in the key, "[" or ";" at its start;
+/// an empty or blank section or key; null section or file; a file name of
+/// VNT_MAX_PATH characters or more, which reads as a missing file).
+///   ("A", "[X", "v") => false    ("A", ";x", "v") => false    ("A", "x[;", "v") => true
 ///   "" + ("A", "x", "1") => "[A]\r\nx=1\r\n"
 ///   "[A]\nx=1\n\n[B]\n" + ("a", "y", "2") => "[A]\r\nx=1\r\ny=2\r\n\r\n[B]\r\n"
 ///   "[Opt]\r\nMode=old\r\n" + ("oPT", "mODe", "x") => "[Opt]\r\nMode=x\r\n"
@@ -234,6 +237,7 @@ public:
     tagRECT* ReadRect(const char* entry, const XYWH* def = nullptr, int num = -1);
     /// Writes "x, y, width, height", a negative size as 0: {10, 20, 5, 30}
     /// => "10, 20, 0, 10". Deletes the entry when `def` equals all four.
+    /// A null `rect` writes nothing: false, invalid argument.
     bool WriteRect(const char* entry, const tagRECT* rect, int num = -1, const XYWH* def = nullptr);
     /// The colour red | green << 8 | blue << 16 of the text "red, green,
     /// blue" (missing parts 0): "10,20" => 0x140A. An empty value gives
@@ -353,6 +357,7 @@ protected:
     vnt::ini::Stream* stream_;       ///< the file read, or the output of a rewrite
     vnt::ini::Stream* input_;        ///< during a rewrite: the old file
     char temp_[VNT_MAX_PATH];        ///< the rewrite's temporary file
+    bool badName_;                   ///< the file name given did not fit file_: no access
     bool vtm_;                       ///< the file is a message library
     long vtmPos_;                    ///< message the next line read takes (0 first, -1 next)
     long vtmSection_;                ///< message of the current section's header (-2: none found)

@@ -88,6 +88,15 @@ public:
     /// Reserves `size` bytes for a file about to be written (a hint: false
     /// when the host cannot, which changes nothing).
     bool reserve(std::uint64_t size);
+    /// Opens a new file that is to replace `targetLibPath`: created under a
+    /// temporary name of this process beside it (".<name>.<pid>.<n>.tmp",
+    /// see removeStaleTemps), with the target's permissions when it exists.
+    /// `tempLibPath` receives its library path, to be renamed over the
+    /// target once complete. Fails (Op::Open faults apply) like openWrite
+    /// would on the target: a target that may not be written is refused.
+    bool openReplacement(const char* targetLibPath, std::string& tempLibPath);
+    /// Writes the file's data through to the disk; false on failure.
+    bool sync();
 
 private:
     int fd_ = -1;
@@ -96,6 +105,14 @@ private:
 
 /// Renames a file, replacing `to` when it exists (Op::Rename faults apply).
 bool renameFile(const char* fromLibPath, const char* toLibPath);
+/// Which side of replaceFile failed.
+enum class ReplaceFail { None, Target, Rename };
+/// Puts `fromLibPath` in the place of `toLibPath` in one step: at every
+/// moment `to` is either the old file or the new one (POSIX rename; Win32
+/// ReplaceFile). `fail` says whether the old file could not be given up
+/// (Target: Op::Remove faults, a busy or protected target or directory) or
+/// the new one not moved (Rename: Op::Rename faults, any other error).
+bool replaceFile(const char* fromLibPath, const char* toLibPath, ReplaceFail& fail);
 
 /// The last error of the library's own host calls (0: none), its
 /// description, and clearing it. Every failing host call sets it.
@@ -201,9 +218,15 @@ namespace vnt::host {
 /// tells whether the failure was that the file does not exist.
 bool readFile(const char* libPath, std::string& data, bool* missing = nullptr);
 /// Writes `data` as the whole file: into a temporary file in the same
-/// directory, then renamed over the target, so that the target is either
-/// the old or the new file. The temporary file is removed on failure.
+/// directory, flushed to the disk, then renamed over the target, so that the
+/// target is either the old or the new file. The temporary file is removed
+/// on failure; those of writers that died are removed first
+/// (removeStaleTemps).
 bool writeFileAtomic(const char* libPath, const std::string& data);
+/// Removes from the host directory the temporary files that writers of this
+/// library left when their process died: names ".<name>.<pid>.<n>.tmp"
+/// whose process no longer runs. Returns how many went.
+int removeStaleTemps(const std::string& hostDir);
 /// Creates one directory; true when it exists as a directory afterwards.
 bool makeDir(const char* libPath);
 /// Creates a directory and every missing directory above it.

@@ -64,4 +64,14 @@ EngineState& engine();
 /// Drops the state: buffers emptied, the library-wide object closed.
 void reset();
 
+/// The temporary file of a section rewrite of `file`: its name with the
+/// extension "tmp". False when the file has no such name of its own (its
+/// extension is "tmp" already, or the name does not fit).
+bool rewriteTemp(const char* file, char (&temp)[VNT_MAX_PATH]);
+/// A rewrite's temporary file found beside a missing `file` holds the
+/// complete new content (it is renamed over the old file only once it is
+/// complete; an older order of the steps could die between removing the old
+/// file and that rename): it takes the file's place. True when it did.
+bool takeLeftoverRewrite(const char* file);
+
 }  // namespace vnt::ini

@@ -2,6 +2,7 @@
 // and closing (the line reader and the section rewrite are in
 // inifile_lines.cpp).
 
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -41,7 +42,7 @@ VntAppProfile::~VntAppProfile() = default;
 
 VntIni::VntIni(const char* file, const char* section, VNTINI_TYPE type)
     : file_{}, section_{}, type_(kInitialType), app_(nullptr), line_{}, tokenCursor_(nullptr),
-      tokenSeps_{}, tokenNext_(nullptr), stream_(nullptr), input_(nullptr), temp_{}, vtm_(false),
+      tokenSeps_{}, tokenNext_(nullptr), stream_(nullptr), input_(nullptr), temp_{}, badName_(false), vtm_(false),
       vtmPos_(0), vtmSection_(0), vtmLast_(0), vtmHandle_(nullptr) {
     vnt::copyBounded(tokenSeps_, ",\t\n");
     Setup(file, section, nullptr, type);
@@ -59,7 +60,7 @@ VntIni::~VntIni() { Close(true); }
 VntIni::VntIni(const VntIni& o)
     : file_{}, section_{}, type_(o.type_), app_(o.app_), line_{}, tokenCursor_(nullptr),
       tokenSeps_{}, tokenNext_(nullptr), stream_(o.stream_), input_(o.input_), temp_{},
-      vtm_(o.vtm_), vtmPos_(o.vtmPos_), vtmSection_(o.vtmSection_), vtmLast_(o.vtmLast_),
+      badName_(o.badName_), vtm_(o.vtm_), vtmPos_(o.vtmPos_), vtmSection_(o.vtmSection_), vtmLast_(o.vtmLast_),
       vtmHandle_(nullptr) {
     std::memcpy(file_, o.file_, sizeof file_);
     std::memcpy(section_, o.section_, sizeof section_);
@@ -84,6 +85,7 @@ VntIni& VntIni::operator=(const VntIni& o) {
     std::memcpy(temp_, copy.temp_, sizeof temp_);
     type_ = copy.type_;
     app_ = copy.app_;
+    badName_ = copy.badName_;
     tokenCursor_ = copy.tokenCursor_ ? line_ + (copy.tokenCursor_ - copy.line_) : nullptr;
     tokenNext_ = copy.tokenNext_ ? line_ + (copy.tokenNext_ - copy.line_) : nullptr;
     stream_ = copy.stream_;
@@ -121,7 +123,11 @@ void VntIni::SetFile(const char* file, VNTINI_TYPE type) {
     if (type == VNTINI_DEFAULT) file = nullptr;
     else if (type != VNTINI_KEEP) type_ = type;
     const char* name = given(file) ? file : nullptr;
-    if (name && Vnt_LfnNameIsPath(name)) {
+    // A name the buffer cannot hold is refused, never cut into another file's name.
+    badName_ = name && std::strlen(name) >= sizeof file_;
+    if (badName_) {
+        file_[0] = '\0';
+    } else if (name && Vnt_LfnNameIsPath(name)) {
         vnt::copyBounded(file_, name);
     } else if (type_ & VNTINI_USER) {
         Vnt_IniUserFile(file_, name);
@@ -204,6 +210,10 @@ bool VntIni::ini_open(const char* file, VNTINI_TYPE type, bool report, bool forW
     vtmPos_ = 0;
     Flush();
     Close(true);
+    if (badName_) {
+        vnt::host::setLastError(EINVAL);
+        return false;
+    }
     if (forWriting) {
         if (Vnt__InternalError(vtm_, 2, __FILE__, __LINE__)) return false;
         if (!report) makeFileDir(file_);
@@ -230,9 +240,11 @@ void VntIni::release_streams() {
     }
 }
 
-/* Ends reading or writing. A rewrite is committed by deleting the old file
-   and renaming the temporary file over it, asking the user when either
-   fails; without commit the temporary file goes and the old file stays. */
+/* Ends reading or writing. A rewrite is committed by putting the temporary
+   file in the old file's place in one step, so that the file is at every
+   moment the old or the new one; the user is asked when the old file cannot
+   be given up (60500) or the temporary file cannot be moved (60501).
+   Without commit the temporary file goes and the old file stays. */
 void VntIni::Close(bool commit) {
     if (vtmHandle_) Vnt_MsgHTerm(&vtmHandle_);
     vtmHandle_ = nullptr;
@@ -257,13 +269,16 @@ void VntIni::Close(bool commit) {
         vnt::host::removeFile(temp_);
         return;
     }
-    while (!vnt::host::removeFile(file_)) {
-        const VNT_RESP r = Vnt_MsgSys(60500, Vnt_LfnNameOut(file_));
-        if (r == VNT_RESP_CANCEL) return;  // both files stay
-        if (r == VNT_RESP_NO) break;       // rename anyway
-    }
-    while (!vnt::host::renameFile(temp_, file_)) {
-        if (Vnt_MsgSys(60501, Vnt_LfnNameOut(temp_), Vnt_LfnNameOut(file_)) != VNT_RESP_OK) break;
+    vnt::host::ReplaceFail fail = vnt::host::ReplaceFail::Rename;
+    bool plain = false;  // the user said to rename over the old file as it is
+    while (!(plain ? vnt::host::renameFile(temp_, file_) : vnt::host::replaceFile(temp_, file_, fail))) {
+        if (!plain && fail == vnt::host::ReplaceFail::Target) {
+            const VNT_RESP r = Vnt_MsgSys(60500, Vnt_LfnNameOut(file_));
+            if (r == VNT_RESP_CANCEL) return;  // both files stay
+            plain = r == VNT_RESP_NO;
+            continue;
+        }
+        if (Vnt_MsgSys(60501, Vnt_LfnNameOut(temp_), Vnt_LfnNameOut(file_)) != VNT_RESP_OK) return;
     }
 }
 
@@ -315,6 +330,10 @@ bool VntIni::WriteStr(const char* entry, const char* value, int num, bool quote,
         v = quoted.c_str();
     }
     const char* name = entry ? NumEntry(entry, num) : nullptr;
+    if (badName_ && !app_) {
+        vnt::host::setLastError(EINVAL);
+        return false;
+    }
     // Compared after quoting: a quoted value is stored even when it equals
     // an unquoted default, kept for compatibility.
     if (def && v && std::strcmp(def, v) == 0) v = nullptr;

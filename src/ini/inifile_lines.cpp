@@ -2,6 +2,7 @@
 // enumeration, the section rewrite, section name forms, and VntIniX.
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -22,10 +23,24 @@ constexpr std::size_t kPiece = 1023;  // characters of one line read
 
 }  // namespace
 
+bool rewriteTemp(const char* file, char (&temp)[VNT_MAX_PATH]) {
+    if (file == nullptr || *file == '\0' || std::strlen(file) >= sizeof temp) return false;
+    copyBounded(temp, file);
+    return Vnt_LfnNameExt(temp, "tmp") && !vnt::sameText(temp, file);
+}
+
+bool takeLeftoverRewrite(const char* file) {
+    char temp[VNT_MAX_PATH];
+    if (!rewriteTemp(file, temp) || host::fileExists(file) || !host::fileExists(temp)) return false;
+    return host::renameFile(temp, file);
+}
+
 Stream* Stream::openRead(const char* file) {
     auto* s = new Stream;
     s->name = file;
-    if (!host::readFile(file, s->data)) {
+    bool missing = false;
+    if (!host::readFile(file, s->data, &missing) &&
+        !(missing && takeLeftoverRewrite(file) && host::readFile(file, s->data))) {
         delete s;
         return nullptr;
     }
@@ -66,6 +81,14 @@ using vnt::sameText;
 namespace {
 
 constexpr long kNoSection = -2;  // vtmSection_ after a search that failed
+
+// A bare section name a header line can hold so that it reads back: no line
+// end and no "]"; invalid argument otherwise.
+bool headerName(const char* bare) {
+    if (std::strpbrk(bare, "\r\n]") == nullptr) return true;
+    vnt::host::setLastError(EINVAL);
+    return false;
+}
 
 const char* skipBlanks(const char* p) {
     while (vnt::isBlank(*p)) ++p;
@@ -303,17 +326,23 @@ bool VntIni::WriteBuf() {
    existing file (which becomes the input), or straight to a new file. */
 bool VntIni::open_for_writing(const char* file) {
     if (Vnt__InternalError(vtm_, 2, __FILE__, __LINE__)) return false;
-    if (Vnt__InternalError(!(file && *file) && !file_[0], 1, __FILE__, __LINE__)) return false;
     if (file && *file && std::strcmp(file, file_) != 0) SetFile(file, VNTINI_KEEP);
+    if (badName_) {
+        vnt::host::setLastError(EINVAL);
+        return false;
+    }
+    if (Vnt__InternalError(!file_[0], 1, __FILE__, __LINE__)) return false;
     if (Vnt__InternalError(vtm_, 2, __FILE__, __LINE__)) return false;
     Flush();
     if (vtmHandle_) Vnt_MsgHTerm(&vtmHandle_);
     vtmHandle_ = nullptr;
     release_streams();
+    vnt::ini::takeLeftoverRewrite(file_);
     if (vnt::host::fileExists(file_)) {
-        vnt::copyBounded(temp_, file_);
         // A file whose own extension is "tmp" would be its own temporary file.
-        if (!Vnt_LfnNameExt(temp_, "tmp") || sameText(temp_, file_)) {
+        if (!vnt::ini::rewriteTemp(file_, temp_)) {
+            vnt::copyBounded(temp_, file_);
+            Vnt_LfnNameExt(temp_, "tmp");
             vnt::host::setLastError(17);
             Vnt_MsgErrLastError(Vnt_LfnNameOut(temp_));
             temp_[0] = '\0';
@@ -349,7 +378,7 @@ bool VntIni::SectionWriteBegin(const char* section) {
         return false;
     }
     if (section) SetSection(section, -1);
-    if (!open_for_writing(nullptr)) return false;
+    if (!headerName(section_) || !open_for_writing(nullptr)) return false;
     SectionNameMake(section_, nullptr);
     bool ok = true, passed = false;
     if (input_) {
@@ -455,6 +484,10 @@ void VntIniX::ReadSection(char* buf, int size, const char* section) {
 bool VntIniX::WriteSection(const char* text, const char* section) {
     char header[100];
     if (!SectionNameMake(header, section ? section : section_)) return false;
+    char* bare;
+    unsigned length;
+    VntIni::SectionNameClean(header, &bare, &length);
+    if (!headerName(std::string(bare, length).c_str())) return false;
     const bool wasOpen = stream_ && stream_->writing;
     if (!wasOpen && !open_for_writing(nullptr)) return false;
     vnt::copyBounded(line_, std::string_view(header));

@@ -1,6 +1,7 @@
 // VntIni: typed values (numbers, rectangles, colours), the DX operations of
 // settings classes, and token lists in the line buffer.
 
+#include <cerrno>
 #include <climits>
 #include <cstdint>
 #include <cstring>
@@ -9,6 +10,7 @@
 #include "base/format.h"
 #include "base/names.h"
 #include "base/strbuf.h"
+#include "host/host.h"
 #include "ini/ini_stream.h"
 #include "vanto/amount.h"
 #include "vanto/ini.h"
@@ -146,6 +148,10 @@ tagRECT* VntIni::ReadRect(const char* entry, const XYWH* def, int num) {
 }
 
 bool VntIni::WriteRect(const char* entry, const tagRECT* rect, int num, const XYWH* def) {
+    if (rect == nullptr) {
+        vnt::host::setLastError(EINVAL);
+        return false;
+    }
     const long x = rect->left, y = rect->top;
     const long w = static_cast<long>(rect->right) - rect->left;
     const long h = static_cast<long>(rect->bottom) - rect->top;

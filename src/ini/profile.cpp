@@ -14,6 +14,7 @@
 #include "base/names.h"
 #include "base/strbuf.h"
 #include "host/host.h"
+#include "ini/ini_stream.h"
 #include "vanto/ini.h"
 #include "vanto/text.h"
 
@@ -57,17 +58,22 @@ std::string_view unquote(std::string_view v) {
     return v;
 }
 
-// Splits at CR LF, LF or a lone CR; a last line without an end counts.
+// Splits at CR LF, LF or a lone CR; a last line without an end counts. A
+// line ends at a NUL in it, as the line reader of the INI engine reads it.
 std::vector<std::string> splitLines(const std::string& data) {
     std::vector<std::string> lines;
     std::size_t start = 0;
+    auto take = [&](std::size_t from, std::size_t n) {
+        std::string_view line = std::string_view(data).substr(from, n);
+        lines.emplace_back(line.substr(0, line.find('\0')));
+    };
     while (start < data.size()) {
         std::size_t end = data.find_first_of("\r\n", start);
         if (end == std::string::npos) {
-            lines.emplace_back(data, start);
+            take(start, std::string::npos);
             break;
         }
-        lines.emplace_back(data, start, end - start);
+        take(start, end - start);
         start = end + (data[end] == '\r' && end + 1 < data.size() && data[end + 1] == '\n' ? 2 : 1);
     }
     return lines;
@@ -184,9 +190,13 @@ bool load(Cached& c, const char* file) {
     if (c.watch == 0) c.stamp = host::fileStamp(hostPath);
     std::string data;
     bool missing = false;
-    if (!host::readFile(file, data, &missing) && !missing) {
-        c.stale = true;
-        return false;
+    if (!host::readFile(file, data, &missing)) {
+        // Where a rewrite died before its rename, its complete new content waits.
+        const bool taken = missing && takeLeftoverRewrite(file) && host::readFile(file, data, &missing);
+        if (!taken && !missing) {
+            c.stale = true;
+            return false;
+        }
     }
     c.doc.lines = splitLines(data);
     c.doc.index();
@@ -236,6 +246,26 @@ unsigned long putList(char* buf, unsigned long size, const std::string& list) {
 }
 
 bool hasLineEnd(std::string_view s) { return s.find_first_of("\r\n") != std::string_view::npos; }
+
+// A file name the library's path buffers can hold.
+bool fits(const char* file) { return std::strlen(file) < VNT_MAX_PATH; }
+
+/*
+ * True when the names can be written so that they read back as written: no
+ * line end anywhere; a section neither begins with "[" nor holds "]"; a key
+ * holds no "=" and begins with neither "[" (it would read as a header) nor
+ * ";" (a comment).
+ */
+bool writable(std::string_view sec, const char* key, const char* value) {
+    if (sec.empty() || hasLineEnd(sec) || sec.front() == '[' || sec.find(']') != std::string_view::npos)
+        return false;
+    if (key != nullptr) {
+        const std::string_view k = trim(key);
+        if (k.empty() || hasLineEnd(k) || k.find('=') != std::string_view::npos || k.front() == '[' || k.front() == ';')
+            return false;
+    }
+    return value == nullptr || !hasLineEnd(value);
+}
 
 /*
  * Applies one write to the lines; false when nothing changes. Reads see only
@@ -292,7 +322,7 @@ bool edit(std::vector<std::string>& lines, std::string_view sec, const char* key
 }
 
 bool lookup(const char* section, const char* key, const char* file, std::string& out) {
-    if (section == nullptr || key == nullptr || file == nullptr) return false;
+    if (section == nullptr || key == nullptr || file == nullptr || !fits(file)) return false;
     std::unique_ptr<Cached> scratch;
     Cached* c = acquire(file, scratch);
     std::string_view v;
@@ -328,7 +358,7 @@ unsigned long Vnt_ProfileGetString(const char* section, const char* key, const c
                                    unsigned long size, const char* file) {
     if (buf == nullptr || size == 0) return 0;
     std::unique_ptr<Cached> scratch;
-    Cached* c = file ? acquire(file, scratch) : nullptr;
+    Cached* c = file && fits(file) ? acquire(file, scratch) : nullptr;
     static const Doc kEmpty;
     const Doc& doc = c ? c->doc : kEmpty;
     if (section == nullptr || key == nullptr) {
@@ -374,14 +404,12 @@ long Vnt_ProfileGetInt(const char* section, const char* key, long def, const cha
  * file, which is untouched on disk.
  */
 bool Vnt_ProfileWriteString(const char* section, const char* key, const char* value, const char* file) {
-    if (file == nullptr || *file == '\0' || section == nullptr) {
+    if (file == nullptr || *file == '\0' || !fits(file) || section == nullptr) {
         vnt::host::setLastError(EINVAL);
         return false;
     }
     const std::string_view sec = trim(section);
-    if (sec.empty() || hasLineEnd(sec) || sec.find(']') != std::string_view::npos ||
-        (key && (trim(key).empty() || hasLineEnd(key) || std::strchr(key, '=') != nullptr)) ||
-        (value && hasLineEnd(value))) {
+    if (!writable(sec, key, value)) {
         vnt::host::setLastError(EINVAL);
         return false;
     }

@@ -185,8 +185,16 @@ std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
     }
     std::size_t chunk = kChunk;
     std::uint32_t bytes = 0;
-    bool done = false, truncated = false;
+    bool done = false;
     vnt::host::File in, out;
+    // The copy is written under a temporary name beside the target and takes
+    // the target's name only when complete, so that a copy that fails or is
+    // killed never leaves a partial target (nor truncates an old one).
+    std::string temp;
+    auto dropTemp = [&temp] {
+        if (!temp.empty()) vnt::host::removeFile(temp.c_str());
+        temp.clear();
+    };
     for (;;) {
         error_ = VNT_FC_OK;
         bytes = 0;
@@ -208,12 +216,11 @@ std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
             if (ontoItself) {
                 vnt::host::setLastError(EINVAL);
                 error_ = VNT_FC_TARGET;
-            } else if (out.openWrite(dst)) {
-                truncated = true;
+            } else if (out.openReplacement(dst, temp)) {
                 out.reserve(length_);
-            }
-            else
+            } else {
                 error_ = VNT_FC_TARGET;
+            }
         }
         if (error_ == VNT_FC_OK) {
             if (!showFile(src, dst, false, 0)) break;
@@ -238,8 +245,17 @@ std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
             }
             if (error_ == VNT_FC_CANCEL) break;  // no question after a cancel
             if (eof) {
-                done = true;
-                break;
+                // The source's time (to the nanosecond, which the packed form
+                // cannot hold), then the complete file takes the target's name.
+                out.copyTimeFrom(in);
+                const bool synced = out.sync();
+                out.close();
+                if (synced && vnt::host::renameFile(temp.c_str(), dst)) {
+                    temp.clear();
+                    done = true;
+                    break;
+                }
+                error_ = VNT_FC_WRITE;
             }
         }
         // Ask whether to try again, naming the file that failed.
@@ -247,19 +263,18 @@ std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
         const bool missing = err == ENOENT && !sourceOpened;
         in.close();
         out.close();
+        dropTemp();
+        vnt::host::setLastError(err);
         const VNT_RESP r = Vnt_MsgSys(missing ? kMsgNotFound : kMsgCopyFailed,
                                       displayName(sourceOpened ? dst : src, 38).c_str(),
                                       vnt::host::errorText(err).c_str());
         if (r == VNT_RESP_CANCEL || r == VNT_RESP_NO || missing) break;
     }
 
-    // The copy keeps the source's time (to the nanosecond, which the packed
-    // form cannot hold). A target this copy truncated and did not finish is
-    // removed; one it never opened is left as it was.
-    if (done) out.copyTimeFrom(in);
+    // A copy that did not finish leaves the target as it was.
     in.close();
     out.close();
-    if (!done && truncated) vnt::host::removeFile(dst);
+    dropTemp();
     if (stat_ && !forAll_) stat_->SetCount(0, 0);
     return done ? bytes : 0;
 }

@@ -30,5 +30,11 @@ inline bool hostCall(const char* libPath, Op op, std::string& host) {
 bool spawnChild(const std::string& program, bool searchPath, std::vector<char*>& argv, const std::string& hostDir);
 /// Collects the started processes that have ended (without waiting).
 void reapChildren();
+/// Creates a new temporary file of this process beside the host path `host`
+/// (".<name>.<pid>.<n>.tmp", exclusively; Op::Open faults apply), with the
+/// target's permissions when it exists, after removing the temporary files
+/// of dead writers. Returns the descriptor (-1, errno set, on failure) and
+/// the name in `tmp`.
+int createTemp(const std::string& host, std::string& tmp);
 
 }  // namespace vnt::host

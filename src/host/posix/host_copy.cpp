@@ -23,6 +23,45 @@ bool File::openWrite(const char* libPath) {
     return true;
 }
 
+bool File::openReplacement(const char* targetLibPath, std::string& tempLibPath) {
+    close();
+    std::string host;
+    if (!hostCall(targetLibPath, Op::Open, host)) return false;
+    // The old target must be one this process could have written over.
+    struct stat st;
+    if (::stat(host.c_str(), &st) == 0) {
+        if (S_ISDIR(st.st_mode)) {
+            errno = EISDIR;
+            return false;
+        }
+        int probe;
+        do probe = ::open(host.c_str(), O_WRONLY | O_CLOEXEC);
+        while (probe < 0 && errno == EINTR);
+        if (probe < 0) return false;
+        ::close(probe);
+    }
+    std::string tmp;
+    const int fd = createTemp(host, tmp);
+    if (fd < 0) return false;
+    if (!fromHost(tmp.c_str(), tempLibPath)) {
+        ::unlink(tmp.c_str());
+        ::close(fd);
+        errno = ENOENT;
+        return false;
+    }
+    fd_ = fd;
+    pos_ = 0;
+    return true;
+}
+
+bool File::sync() {
+    if (fd_ < 0) {
+        errno = EBADF;
+        return false;
+    }
+    return ::fsync(fd_) == 0;
+}
+
 namespace {
 // Writes all of `n` bytes at `pos`; false (errno set) when the host refuses.
 bool writeAll(int fd, std::uint64_t pos, const char* p, std::size_t n, std::size_t& done) {

@@ -12,7 +12,9 @@
 #include <thread>
 #include <vector>
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
@@ -117,10 +119,90 @@ bool readFile(const char* libPath, std::string& data, bool* missing) {
     return true;
 }
 
+namespace {
+
+/*
+ * The process that made a temporary file name of ours (".<name>.<pid>.<n>.tmp"),
+ * or 0 when the name is not one.
+ */
+pid_t tempOwner(const char* name) {
+    const std::size_t len = std::strlen(name);
+    if (name[0] != '.' || len < 9 || std::strcmp(name + len - 4, ".tmp") != 0) return 0;
+    std::size_t end = len - 4;
+    auto number = [&](std::size_t& e, unsigned long long& value) {
+        std::size_t b = e;
+        while (b > 1 && name[b - 1] >= '0' && name[b - 1] <= '9') --b;
+        if (b == e || e - b > 18 || name[b - 1] != '.') return false;
+        value = std::strtoull(std::string(name + b, e - b).c_str(), nullptr, 10);
+        e = b - 1;
+        return true;
+    };
+    unsigned long long counter, pid;
+    if (!number(end, counter) || !number(end, pid) || end < 2) return 0;
+    return pid > 0 && pid <= 0x7FFFFFFF ? static_cast<pid_t>(pid) : 0;
+}
+
+// Host directory and last component of a host path.
+void splitHost(const std::string& host, std::string& dir, std::string& base) {
+    std::size_t slash = host.rfind('/');
+    dir = slash == std::string::npos ? "." : host.substr(0, slash == 0 ? 1 : slash);
+    base = slash == std::string::npos ? host : host.substr(slash + 1);
+}
+
+}  // namespace
+
+int removeStaleTemps(const std::string& hostDir) {
+    DIR* d = ::opendir(hostDir.c_str());
+    if (d == nullptr) return 0;
+    const int saved = errno;
+    int removed = 0;
+    while (const dirent* e = ::readdir(d)) {
+        const pid_t owner = tempOwner(e->d_name);
+        // A process that cannot be signalled for lack of rights still runs.
+        if (owner == 0 || owner == ::getpid() || ::kill(owner, 0) == 0 || errno != ESRCH) continue;
+        if (::unlinkat(::dirfd(d), e->d_name, 0) == 0) ++removed;
+    }
+    ::closedir(d);
+    errno = saved;
+    return removed;
+}
+
+/*
+ * Creates a new temporary file of this process beside the target (host
+ * path), exclusively; the temporary files of dead writers go first. The
+ * file takes the target's permissions when the target exists.
+ */
+int createTemp(const std::string& host, std::string& tmp) {
+    std::string dir, base;
+    splitHost(host, dir, base);
+    if (base.empty()) {
+        errno = EISDIR;
+        return -1;
+    }
+    removeStaleTemps(dir);
+    static unsigned counter = 0;
+    int fd = -1;
+    for (int attempt = 0; attempt < 100 && fd < 0; ++attempt) {
+        tmp = (dir == "/" ? "" : dir) + "/." + base + "." + std::to_string(::getpid()) + "." +
+              std::to_string(++counter) + ".tmp";
+        if (faultHit(Op::Open)) {
+            errno = EIO;
+            return -1;
+        }
+        do fd = ::open(tmp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        while (fd < 0 && errno == EINTR);
+        if (fd < 0 && errno != EEXIST) return -1;
+    }
+    if (fd < 0) return -1;
+    struct stat st;
+    if (::stat(host.c_str(), &st) == 0 && S_ISREG(st.st_mode)) ::fchmod(fd, st.st_mode & 07777);
+    return fd;
+}
+
 /*
  * Writes through a new file beside the target, created exclusively under a
- * name of this process, then renames it over the target. The new file takes
- * the target's permissions when the target exists.
+ * name of this process and flushed to the disk, then renames it over the
+ * target.
  */
 bool writeFileAtomic(const char* libPath, const std::string& data) {
     std::string host;
@@ -128,32 +210,11 @@ bool writeFileAtomic(const char* libPath, const std::string& data) {
         errno = ENOENT;
         return false;
     }
-    std::size_t slash = host.rfind('/');
-    std::string dir = slash == std::string::npos ? "." : host.substr(0, slash == 0 ? 1 : slash);
-    std::string base = slash == std::string::npos ? host : host.substr(slash + 1);
-    if (base.empty()) {
-        errno = EISDIR;
-        return false;
-    }
     const long spaceLeft = diskFullLeft();
     diskFullLeft() = -1;
-    static unsigned counter = 0;
     std::string tmp;
-    int fd = -1;
-    for (int attempt = 0; attempt < 100 && fd < 0; ++attempt) {
-        tmp = (dir == "/" ? "" : dir) + "/." + base + "." + std::to_string(::getpid()) + "." +
-              std::to_string(++counter) + ".tmp";
-        if (faultHit(Op::Open)) {
-            errno = EIO;
-            return false;
-        }
-        do fd = ::open(tmp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        while (fd < 0 && errno == EINTR);
-        if (fd < 0 && errno != EEXIST) return false;
-    }
+    const int fd = createTemp(host, tmp);
     if (fd < 0) return false;
-    struct stat st;
-    if (::stat(host.c_str(), &st) == 0 && S_ISREG(st.st_mode)) ::fchmod(fd, st.st_mode & 07777);
     bool ok = writeAll(fd, data, spaceLeft) && ::fsync(fd) == 0;
     int e = errno;
     if (::close(fd) != 0 && ok) {
