@@ -1,0 +1,107 @@
+// Fuzz target: arbitrary bytes as the client registry "dsn.ini"; its
+// entries are loaded and each of the first few is connected, which builds
+// its connect string (the open itself fails at once: the ODBC configuration
+// the target points unixODBC at knows no driver). Every connect string must
+// stay below its limit and begin with "ODBC;", and a failed connect must
+// leave the process-wide client as it was. Then the list is changed and written back, and must
+// read again with the same number of entries.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+
+#include "db/db_state.h"
+#include "host/host.h"
+#include "ini/profile.h"
+#include "vanto/app.h"
+#include "vanto/db.h"
+#include "vanto/dsn.h"
+#include "vanto/ini.h"
+#include "vanto/lfn.h"
+#include "vanto/ui/msgbox.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// The program directory with "INI\dsn.ini" on volume F: (under /dev/shm
+// when there is one), and an empty ODBC configuration.
+struct Install {
+    fs::path dir, dsn;
+    Install() {
+        fs::path base = fs::exists("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path();
+        dir = base / ("vanto_dsn_fuzz_" + std::to_string(std::random_device{}()));
+        fs::create_directories(dir / "INI");
+        fs::create_directories(dir / "Daten" / "M1");
+        std::ofstream(dir / "odbcinst.ini");
+        std::ofstream(dir / "odbc.ini");
+        ::setenv("ODBCSYSINI", dir.c_str(), 1);
+        ::setenv("ODBCINSTINI", "odbcinst.ini", 1);
+        ::setenv("ODBCINI", (dir / "odbc.ini").c_str(), 1);
+        for (char c = 'A'; c <= 'Z'; ++c) Vnt_LfnVolUnmap(c);
+        if (!Vnt_LfnVolMap('F', dir.c_str())) std::abort();
+        vnt::host::setProgramFile("F:\\Fuzz");
+        dsn = dir / "INI" / "dsn.ini";
+    }
+    ~Install() {
+        std::error_code ec;
+        fs::remove_all(dir, ec);
+    }
+};
+
+void check(bool ok) {
+    if (!ok) std::abort();
+}
+
+void checkConnect(const DsnIni& reg) {
+    const char* c = reg.ConnectString();
+    const std::size_t n = std::strlen(c);
+    check(n < VNT_DSN_CONNECT_SIZE - 1);
+    check(n == 0 || std::strncmp(c, "ODBC;", 5) == 0);
+    Vnt_DbMaskConnect(c);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static Install inst;
+    static VntScriptedPresenter quiet;  // reports and questions answer OK
+    Vnt_UiSetPresenter(&quiet);
+    quiet.shown.clear();
+    std::ofstream(inst.dsn, std::ios::binary | std::ios::trunc)
+        .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+    Vnt_ProfileFlush(nullptr);
+
+    {
+        DsnIni reg;
+        if (!reg.LoadSettings() || !reg.LoadEntries()) return 0;
+        const std::string dsn = Vnt_AppDSN(), dataPath = Vnt_AppDataPath();
+        for (int i = 0; i < reg.Count() && i < 3; ++i) {
+            const DsnEntry* e = reg.Entry(i);
+            check(e != nullptr && e->name[0] != '\0');
+            if (!reg.Connect(e->name)) check(dsn == Vnt_AppDSN() && dataPath == Vnt_AppDataPath());
+            checkConnect(reg);
+        }
+        if (reg.Count() > 0) {
+            const DsnEntry* e = reg.Entry(0);
+            reg.Connect(e->name, e->path);
+            checkConnect(reg);
+        }
+
+        // Changed and written back, the list reads again with its entries.
+        const int before = reg.Count();
+        if (before > 1) reg.MoveEntry(0, before - 1);
+        if (before > 0) reg.ChangeEntry(0, "Fuzz GmbH", "F:\\Daten\\M1");
+        const int added = reg.AppendEntry("Neu", "F:\\Daten\\Neu");
+        if (!reg.WriteEntries()) return 0;
+        DsnIni again;
+        if (again.LoadSettings() && again.LoadEntries() && added >= 0) check(again.Count() >= 1);
+    }
+    Vnt_AppCloseConnect();
+    vnt::db::reset();
+    return 0;
+}
