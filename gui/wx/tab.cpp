@@ -311,9 +311,11 @@ void VntTabDlg::DDX_UpdateData(VntTabExchange& dx) {
 
 VntTab::VntTab() = default;
 
+// Pages the notebook still owns outlive the holder: they forget it.
 VntTab::~VntTab() {
     vnt::wx::TabState& s = vnt::wx::tabState();
     if (s.current == this) s.current = nullptr;
+    for (VntTabDlg* p : linked_) p->view_ = nullptr;
 }
 
 bool VntTab::Setup(wxWindow* parent, int control) {
@@ -371,6 +373,7 @@ bool VntTab::AddItem(long dialog, VntTabDlg* page, VntTabViewBase* view, VNT_PW_
     if (book_ == nullptr || page == nullptr) return false;
     if (Vnt__InternalError(count_ >= VNTTAB_MAX_PAGES, 2, kSource, __LINE__)) return false;
     page->Setup(view);
+    if (view && &view->m_tab == this) linked_.push_back(page);
     if (!page->CreatePage(dialog, book_)) {
         Vnt_MsgBox("#Unknown error creating dialog '%d' in a tab control.", static_cast<int>(dialog));
         return false;
@@ -400,6 +403,7 @@ bool VntTab::AddItem(long dialog, VntTabDlg* page, VntTabViewBase* view, VNT_PW_
 void VntTab::forget(VntTabDlg* page) {
     for (int i = 0; i < count_; ++i)
         if (pages_[i] == page) pages_[i] = nullptr;
+    std::erase(linked_, page);
 }
 
 VntTabDlg* VntTab::GetPage(int index) const {

@@ -248,6 +248,7 @@ private:
     int count_ = 0;
     VntTabDlg* pages_[VNTTAB_MAX_PAGES] = {};
     VntTabDlg empty_;                      // current page when none is selected
+    std::vector<VntTabDlg*> linked_;       // every page set up, with a tab or not
     int cur_ = -1, prev_ = -1;
     bool veto_ = false, revert_ = false;
     int recursion_ = 0;
