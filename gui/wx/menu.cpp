@@ -5,7 +5,9 @@
 #include <cstring>
 #include <string>
 
+#include <wx/accel.h>
 #include <wx/frame.h>
+#include <wx/log.h>
 #include <wx/menu.h>
 
 #include "base/strbuf.h"
@@ -13,6 +15,7 @@
 #include "vanto/locale.h"
 #include "vanto/msg.h"
 #include "vanto/text.h"
+#include "vanto/wx/window.h"
 #include "wxtext.h"
 
 namespace vnt::wx {
@@ -60,7 +63,44 @@ long windowStyle(const wxWindow* w) {
     return s;
 }
 
+// wx takes identifiers below 32767 only: 32768-65535 (the system commands)
+// live in wx as the identifier - 32768.
+int wxIdOf(long command) { return static_cast<int>(command >= 0x8000 && command < 0x10000 ? command - 0x8000 : command); }
+long commandOf(int id) {
+    for (long sc : {VNT_SC_MOVE, VNT_SC_MINIMIZE, VNT_SC_MAXIMIZE, VNT_SC_CLOSE, VNT_SC_RESTORE, VNT_SC_TASKLIST})
+        if (id == sc - 0x8000) return sc;
+    return id;
+}
+
+// The label wx is given: the modifier word it knows, so that it shows the
+// shortcut; the text as set is kept beside it.
+wxString shownLabel(const std::string& text) {
+    std::string shown = text.empty() ? " " : text;  // wx refuses an empty label
+    if (const auto tab = shown.find("\tStrg+"); tab != std::string::npos) shown.replace(tab + 1, 4, "Ctrl");
+    return toWx(shown);
+}
+
+void setLabel(wxMenuItem* item, const std::string& text) {
+    wxLogNull quiet;  // a shortcut wx cannot parse is only not shown
+    item->SetItemLabel(shownLabel(text));
+    menuState().fullTexts[item] = text;
+}
+
+std::string labelOf(const wxMenuItem* item) {
+    const auto& texts = menuState().fullTexts;
+    if (auto it = texts.find(item); it != texts.end()) return it->second;
+    return fromWx(item->GetItemLabel());
+}
+
+void forgetItem(const wxMenuItem* item) {
+    menuState().greyOnly.erase(item);
+    menuState().fullTexts.erase(item);
+}
+
 }  // namespace
+
+long VntMenu::CommandOf(int id) { return commandOf(id); }
+int VntMenu::WxIdOf(long command) { return wxIdOf(command); }
 
 // An item found: a menu item in its menu, or a title of a menu bar.
 struct VntMenu::Ref {
@@ -89,6 +129,10 @@ VntMenu::VntMenu(long titleCommand, wxWindow* window) : VntMenu() {
 VntMenu::VntMenu(wxWindow* window, bool system, long styleFlags) : VntMenu() { Init(window, system, styleFlags); }
 
 VntMenu::~VntMenu() {
+    if (keysWindow_ && Vnt_WxWindow(Vnt_WxHandle(keysWindow_))) {
+        keysWindow_->Unbind(wxEVT_MENU, &VntMenu::onSysKey, this, wxIdOf(VNT_SC_MINIMIZE));
+        keysWindow_->Unbind(wxEVT_MENU, &VntMenu::onSysKey, this, wxIdOf(VNT_SC_MAXIMIZE));
+    }
     int& live = menuState().live;
     if (live > 0) --live;
 }
@@ -140,12 +184,14 @@ wxMenu* VntMenu::SysMenu(wxWindow* window) {
     if (auto it = menus.find(window); it != menus.end()) return it->second;
     const SysTexts& t = sysTexts();
     auto* m = new wxMenu;
-    m->Append(VNT_SC_RESTORE, toWx(t.restore));
-    m->Append(VNT_SC_MOVE, toWx(t.move));
-    m->Append(VNT_SC_MINIMIZE, toWx(t.minimize));
-    m->Append(VNT_SC_MAXIMIZE, toWx(t.maximize));
+    m->Append(wxIdOf(VNT_SC_RESTORE), toWx(t.restore));
+    m->Append(wxIdOf(VNT_SC_MOVE), toWx(t.move));
+    m->Append(wxIdOf(VNT_SC_MINIMIZE), toWx(t.minimize));
+    m->Append(wxIdOf(VNT_SC_MAXIMIZE), toWx(t.maximize));
     m->AppendSeparator();
-    m->Append(VNT_SC_CLOSE, toWx(t.close));
+    m->Append(wxIdOf(VNT_SC_CLOSE), toWx(t.close));
+    // The window manager moves windows, not the program: shown, but off.
+    m->Enable(wxIdOf(VNT_SC_MOVE), false);
     menus[window] = m;
     window->Bind(wxEVT_DESTROY, [window](wxWindowDestroyEvent& e) {
         e.Skip();
@@ -183,7 +229,8 @@ void VntMenu::bindSystem() {
     menu_ = SysMenu(window_);
     bool hasMin = find(VNT_SC_MINIMIZE).ok();
     const bool hasMax = find(VNT_SC_MAXIMIZE).ok();
-    const long style = windowStyle(window_) | style_;
+    // The window's boxes count as style flags from now on.
+    const long style = style_ = windowStyle(window_) | style_;
     if (hasMax && !(style & VNT_MENU_MAXIMIZE)) ItemDelete(VNT_SC_MAXIMIZE);
     if (hasMin && !(style & VNT_MENU_MINIMIZE)) {
         ItemDelete(VNT_SC_MINIMIZE);
@@ -246,7 +293,7 @@ int VntMenu::ItemCount() const {
 long VntMenu::ItemId(int position) const {
     if (!menu_ || position < 0 || position >= ItemCount()) return -1;
     const wxMenuItem* item = menu_->FindItemByPosition(static_cast<size_t>(position));
-    return item->IsSubMenu() || item->IsSeparator() ? -1 : item->GetId();
+    return item->IsSubMenu() || item->IsSeparator() ? -1 : commandOf(item->GetId());
 }
 
 int VntMenu::ItemFind(long command) const {
@@ -273,8 +320,8 @@ VntMenu::Ref VntMenu::find(long command) const {
     }
     if (command == 0 || command == wxID_SEPARATOR) return r;
     wxMenu* parent = nullptr;
-    if (bar_) r.item = bar_->FindItem(static_cast<int>(command), &parent);
-    else if (menu_) r.item = menu_->FindItem(static_cast<int>(command), &parent);
+    if (bar_) r.item = bar_->FindItem(wxIdOf(command), &parent);
+    else if (menu_) r.item = menu_->FindItem(wxIdOf(command), &parent);
     if (r.item) {
         r.parent = parent ? parent : r.item->GetMenu();
         r.pos = r.parent ? r.parent->GetMenuItems().IndexOf(r.item) : -1;
@@ -357,8 +404,8 @@ int VntMenu::ItemTextGet(long command) {
     text_[0] = '\0';
     const Ref r = find(command);
     if (!r.ok()) return 0;
-    const wxString label = r.title >= 0 ? r.bar->GetMenuLabel(static_cast<size_t>(r.title)) : r.item->GetItemLabel();
-    return static_cast<int>(vnt::copyBounded(text_, fromWx(label)));
+    const std::string label = r.title >= 0 ? fromWx(r.bar->GetMenuLabel(static_cast<size_t>(r.title))) : labelOf(r.item);
+    return static_cast<int>(vnt::copyBounded(text_, label));
 }
 
 bool VntMenu::ItemTextSet(long command, const char* text, long flags) {
@@ -366,7 +413,7 @@ bool VntMenu::ItemTextSet(long command, const char* text, long flags) {
     if (!r.ok()) return false;
     const std::string t(text ? text : text_);
     if (r.title >= 0) r.bar->SetMenuLabel(static_cast<size_t>(r.title), toWx(t));
-    else r.item->SetItemLabel(toWx(t));
+    else setLabel(r.item, t.substr(0, kMaxText));
     if (flags != -1) setState(r, static_cast<unsigned>(flags) & 11u);
     return true;
 }
@@ -413,7 +460,8 @@ bool VntMenu::ItemInsert(long command, long before, const char* text) {
         pos = static_cast<std::size_t>(r.pos);
     }
     auto* item = command == 0 ? new wxMenuItem(target, wxID_SEPARATOR, "", "", wxITEM_SEPARATOR)
-                              : new wxMenuItem(target, static_cast<int>(command), toWx(t));
+                              : new wxMenuItem(target, wxIdOf(command), shownLabel(t.substr(0, kMaxText)));
+    if (command != 0) menuState().fullTexts[item] = t.substr(0, kMaxText);
     if (!target->Insert(pos, item)) return false;
     if (command == VNT_SC_RESTORE) {
         Maximize(false, maximized_ ? 1 : 0);
@@ -437,7 +485,7 @@ bool VntMenu::ItemDelete(long command) {
         return true;
     }
     if (!r.item || !r.parent) return false;
-    menuState().greyOnly.erase(r.item);
+    forgetItem(r.item);
     r.parent->Destroy(r.item);
     return true;
 }
@@ -451,7 +499,7 @@ int findInPopup(wxMenu* popup, int posInParent, long command, wxMenu*& found) {
     int j = 0;
     for (wxMenuItem* item : popup->GetMenuItems()) {
         if (item->IsSubMenu()) return findInPopup(item->GetSubMenu(), j, command, found);
-        if (!item->IsSeparator() && item->GetId() == command) {
+        if (!item->IsSeparator() && commandOf(item->GetId()) == command) {
             found = popup;
             return posInParent;
         }
@@ -569,7 +617,7 @@ bool VntMenu::Minimize(bool show, int mode) {
 }
 
 bool VntMenu::DoSysMenu(long command) {
-    switch (command) {
+    switch (commandOf(static_cast<int>(command))) {
         case VNT_SC_MINIMIZE: return Minimize(true, 1);
         case VNT_SC_MAXIMIZE: return Maximize(true, 1);
         case VNT_SC_RESTORE: return Maximize(true, 0) || Minimize(true, 0);
@@ -583,6 +631,26 @@ bool VntMenu::DoSysKeys(const wxKeyEvent& key) {
     if (key.GetKeyCode() == WXK_F10 && mods == wxMOD_CONTROL)
         return DoSysMenu(maximized_ ? VNT_SC_RESTORE : VNT_SC_MAXIMIZE), true;
     return false;
+}
+
+bool VntMenu::InstallSysKeys() {
+    auto* top = dynamic_cast<wxTopLevelWindow*>(window_);
+    if (top == nullptr || keysWindow_ == top) return top != nullptr;
+    wxAcceleratorEntry keys[2];
+    keys[0].Set(wxACCEL_NORMAL, WXK_F9, wxIdOf(VNT_SC_MINIMIZE));
+    keys[1].Set(wxACCEL_CTRL, WXK_F10, wxIdOf(VNT_SC_MAXIMIZE));
+    top->SetAcceleratorTable(wxAcceleratorTable(2, keys));
+    top->Bind(wxEVT_MENU, &VntMenu::onSysKey, this, wxIdOf(VNT_SC_MINIMIZE));
+    top->Bind(wxEVT_MENU, &VntMenu::onSysKey, this, wxIdOf(VNT_SC_MAXIMIZE));
+    keysWindow_ = top;
+    return true;
+}
+
+// The accelerators come as the commands; the modifier+F10 restores a
+// maximised window.
+void VntMenu::onSysKey(wxCommandEvent& e) {
+    const long command = commandOf(e.GetId());
+    DoSysMenu(command == VNT_SC_MAXIMIZE && maximized_ ? VNT_SC_RESTORE : command);
 }
 
 bool VntMenu::CloseOk() const {

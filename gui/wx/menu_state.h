@@ -3,6 +3,7 @@
 
 #include <map>
 #include <set>
+#include <string>
 
 class wxMenu;
 class wxMenuItem;
@@ -16,6 +17,7 @@ struct MenuState {
     char texts[4][40] = {};                    // Restore, Maximize, Minimize, task list
     std::set<const wxMenuItem*> greyOnly;      // items greyed but not disabled
     std::map<wxWindow*, wxMenu*> sysMenus;     // the system menu of each window
+    std::map<const wxMenuItem*, std::string> fullTexts;  // texts as set (wx drops shortcuts it cannot parse)
 };
 
 MenuState& menuState();

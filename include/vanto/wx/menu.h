@@ -29,8 +29,8 @@
 // it where it likes (PopupMenu of SysMenu()) and passes the frame's keys
 // through DoSysKeys:
 //
-//   VntMenu sys(frame, true, -1);
-//   frame->Bind(wxEVT_CHAR_HOOK, [&](wxKeyEvent& e) { if (!sys.DoSysKeys(e)) e.Skip(); });
+//   VntMenu sys(frame, true, -1);          // lives as long as the frame
+//   sys.InstallSysKeys();                  // F9 and Ctrl+F10
 //   frame->Bind(wxEVT_MENU, [&](wxCommandEvent& e) { if (!sys.DoSysMenu(e.GetId())) e.Skip(); });
 #pragma once
 
@@ -160,11 +160,22 @@ public:
     /// flag. With `show` the window follows.
     bool Minimize(bool show, int mode);
     bool Maximize(bool show, int mode);
-    /// The system commands Minimize, Maximize and Restore; false for others.
+    /// wx takes menu identifiers below 32767 only: the system commands
+    /// (61456 ...) are 32768 less in wx's menus and events. CommandOf turns
+    /// a wx event's identifier into the command, WxIdOf the other way:
+    ///   CommandOf(28704) => 61472 (Minimize);  CommandOf(101) => 101
+    static long CommandOf(int id);
+    static int WxIdOf(long command);
+    /// The system commands Minimize, Maximize and Restore (also given by
+    /// their wx identifiers); false for others.
     bool DoSysMenu(long command);
     /// F9: Minimize; Ctrl+F10: Maximize, or Restore when maximised. True
     /// when the key was one of them.
     bool DoSysKeys(const wxKeyEvent& key);
+    /// Gives the window the accelerators F9 and Ctrl+F10 (GTK keeps the
+    /// modifier+F10 from key handlers) that run DoSysKeys' rules; the object
+    /// must live as long as the window. False without a top-level window.
+    bool InstallSysKeys();
     /// True without a menu or for a menu bar; for a system menu whether
     /// Close is neither disabled nor greyed.
     bool CloseOk() const;
@@ -194,6 +205,7 @@ private:
     bool enableById(long command, bool enable);
     void harvest();
     void bindSystem();
+    void onSysKey(wxCommandEvent& e);
 
     wxWindow* window_ = nullptr;
     wxMenuBar* bar_ = nullptr;
@@ -206,4 +218,5 @@ private:
     bool system_ = false;
     bool minimized_ = false, maximized_ = false;
     long lookup_ = 0;             // 0 by identifier, VNT_MF_BYPOSITION
+    wxWindow* keysWindow_ = nullptr;  // the window InstallSysKeys bound
 };
