@@ -34,6 +34,8 @@
 // On the notebook itself: Tab, Enter, Down go into the page; Shift+Tab and
 // Up to the previous control; Left/Right change the page; F1, Shift and
 // Ctrl pass; any other key beeps.
+// On GTK a read-only combo box takes Enter and the arrows itself (they open
+// and walk its list) before the rules see them.
 #pragma once
 
 #include <cstdint>
