@@ -267,31 +267,31 @@ void VntTabDlg::restoreFocus() {
     }
 }
 
-bool VntTabDlg::DoDataExchange(VntTabExchange& dx) {
-    return dx.saveAndValidate ? (Validate() && TransferDataFromWindow()) : TransferDataToWindow();
+bool VntTabDlg::DoDataExchange(VntDataExchange& dx) {
+    return dx.m_bSaveAndValidate ? (Validate() && TransferDataFromWindow()) : TransferDataToWindow();
 }
 
 bool VntTabDlg::UpdateData(bool save) {
     if (!GetHandle()) return false;
-    VntTabExchange dx{this, save};
-    return DoDataExchange(dx);
+    VntDataExchange dx(this, save);
+    return DoDataExchange(dx) && !dx.Failed();
 }
 
-void VntTabDlg::DDX_Begin(VntTabExchange& dx) {
+void VntTabDlg::DDX_Begin(VntDataExchange& dx) {
     if (!GetHandle()) return;
     dx_ = &dx;
-    dxWindow_ = dx.window;
-    dx.window = this;
+    dxWindow_ = dx.m_pDlgWnd;
+    dx.m_pDlgWnd = this;
 }
 
 void VntTabDlg::DDX_End() {
     if (dx_ == nullptr) return;
-    dx_->window = dxWindow_;
+    dx_->m_pDlgWnd = dxWindow_;
     dx_ = nullptr;
     dxWindow_ = nullptr;
 }
 
-void VntTabDlg::DDX_UpdateData(VntTabExchange& dx) {
+void VntTabDlg::DDX_UpdateData(VntDataExchange& dx) {
     if (!GetHandle()) throw VntUserException();
     DDX_Begin(dx);
     bool ok = false;
@@ -302,7 +302,7 @@ void VntTabDlg::DDX_UpdateData(VntTabExchange& dx) {
         throw;
     }
     DDX_End();
-    if (!ok) throw VntUserException();
+    if (!ok || dx.Failed()) throw VntUserException();
 }
 
 // ---------------------------------------------------------------------------

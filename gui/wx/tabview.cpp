@@ -240,18 +240,18 @@ bool VntTabFormView::OnClose(bool deleteWindow) {
 
 VntTabRecView::VntTabRecView(long form, wxFrame* parent) : VntTabFormView(form, parent) {}
 
-void VntTabRecView::DoDataExchange(VntTabExchange& dx) {
+void VntTabRecView::DoDataExchange(VntDataExchange& dx) {
     for (int i = 0; i < m_tab.GetPageCount(); ++i) m_tab.GetPage(i)->DDX_UpdateData(dx);
 }
 
 bool VntTabRecView::UpdateData(bool save) {
-    VntTabExchange dx{form_, save};
+    VntDataExchange dx(form_, save);
     try {
         DoDataExchange(dx);
     } catch (const VntUserException&) {
         return false;
     }
-    return true;
+    return !dx.Failed();
 }
 
 std::vector<std::string> VntTabRecView::snapshot() const {

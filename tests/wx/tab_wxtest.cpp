@@ -24,6 +24,7 @@
 #include "vanto/ui/msgbox.h"
 #include "vanto/ui/window.h"
 #include "vanto/wx/dlg.h"
+#include "vanto/wx/ed.h"
 #include "vanto/wx/res.h"
 #include "vanto/wx/tab.h"
 
@@ -77,6 +78,25 @@ std::string pagesXrc() {
              "<flag>wxALL|wxEXPAND</flag><border>10</border><object class=\"wxTextCtrl\" name=\"201\"/></object>"
              "<object class=\"sizeritem\"><flag>wxALL</flag><border>10</border><object class=\"wxButton\" "
              "name=\"202\"><label>Los</label></object></object></object></object>\n";
+    // 5213: typed fields (amount, date, number) for the record view.
+    for (const char* lang : {"", "_ENU"}) {
+        const bool en = *lang != 0;
+        auto row = [](const char* label, const char* id, const char* params) {
+            return std::string("<object class=\"sizeritem\"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT</flag><border>10</border>"
+                               "<object class=\"wxStaticText\"><label>") + label +
+                   "</label></object></object><object class=\"sizeritem\"><flag>wxRIGHT</flag><border>10</border>"
+                   "<object class=\"VantoEd\" name=\"" + id + "\"><size>160,-1</size>" + params + "</object></object>";
+        };
+        x += std::string("  <object class=\"wxDialog\" name=\"dlg5213") + lang + "\"><title>" +
+             (en ? "Figures" : "Zahlen") +
+             "</title><object class=\"wxFlexGridSizer\"><cols>2</cols><vgap>6</vgap><hgap>10</hgap>"
+             "<object class=\"spacer\"><size>0,4</size></object><object class=\"spacer\"><size>0,4</size></object>" +
+             row(en ? "&amp;Turnover:" : "&amp;Umsatz:", "301",
+                 "<type>1</type><decplaces>2</decplaces><alignh>1</alignh><minval>0</minval><maxval>9999999.99</maxval>") +
+             row(en ? "Customer &amp;since:" : "Kunde &amp;seit:", "302", "<type>7</type>") +
+             row(en ? "N&amp;umber:" : "N&amp;ummer:", "303", "<type>3</type><alignh>1</alignh>") +
+             "</object></object>\n";
+    }
     return x + "</resource>\n";
 }
 
@@ -448,12 +468,12 @@ TEST_F(Tabs, KeyboardRulesFollowTheActiveViewsAndStandAsideForDialogs) {
 
 class RecPage : public VntTabDlg {
 public:
-    bool DoDataExchange(VntTabExchange& dx) override {
+    bool DoDataExchange(VntDataExchange& dx) override {
         VntRecordset* set = set_;
         auto* name = dynamic_cast<wxTextCtrl*>(FindWindow(101));
         auto* town = dynamic_cast<wxTextCtrl*>(FindWindow(102));
         if (!set || !name || !town) return false;
-        if (dx.saveAndValidate) {
+        if (dx.m_bSaveAndValidate) {
             if (name->GetValue().empty()) return false;  // a name is required
             return set->SetFieldValue("name", name->GetValue().utf8_str().data()) &&
                    set->SetFieldValue("ort", town->GetValue().utf8_str().data());
@@ -468,20 +488,40 @@ public:
     VntRecordset* set_ = nullptr;
 };
 
+// The typed fields, exchanged with the record set's fields.
+class FiguresPage : public VntTabDlg {
+public:
+    bool DoDataExchange(VntDataExchange& dx) override {
+        auto* turnover = dynamic_cast<VantoEd*>(FindWindow(301));
+        auto* since = dynamic_cast<VantoEd*>(FindWindow(302));
+        auto* number = dynamic_cast<VantoEd*>(FindWindow(303));
+        if (!set_ || !turnover || !since || !number) return false;
+        turnover->DDX(&dx, amount, set_, "umsatz");
+        since->DDX(&dx, date, set_, "seit");
+        number->DDX(&dx, nr, set_, "nr");
+        return !dx.Failed();
+    }
+    VntRecordset* set_ = nullptr;
+    double amount = 0;
+    VntDate date;
+    std::int32_t nr = 0;
+};
+
 class RecView : public VntTabRecView {
 public:
     explicit RecView(VntRecordset* set) : VntTabRecView(5200) {
         m_pSet = set;
         main.set_ = set;
+        figures.set_ = set;
     }
     void OnInitialUpdate() override {
         table[0] = {5201, &main, 0};
-        table[1] = {5202, &more, 0};
+        table[1] = {5213, &figures, 0};
         table[2] = {0, nullptr, 0};
         m_tab.AddItems(form_, 1000, table, this, 0);
     }
     RecPage main;
-    VntTabDlg more;
+    FiguresPage figures;
     VNTTAB_DLGDEF table[3];
 };
 
@@ -495,9 +535,10 @@ protected:
         tpl_ = new wxDocTemplate(mgr_.get(), "Kunden", "*.*", "", "", "Kunden", "Kunden");
         fs::create_directories(dbFile_.parent_path());
         ASSERT_TRUE(db_.OpenEx(("DRIVER=SQLite3;Database=" + dbFile_.string()).c_str()));
-        ASSERT_TRUE(db_.ExecuteSQL("CREATE TABLE kunden (id INTEGER PRIMARY KEY, name TEXT, ort TEXT)"));
-        ASSERT_TRUE(db_.ExecuteSQL("INSERT INTO kunden VALUES (1, 'Schulze KG', 'Bremen')"));
-        ASSERT_TRUE(db_.ExecuteSQL("INSERT INTO kunden VALUES (2, 'Meyer GmbH', 'Kiel')"));
+        ASSERT_TRUE(db_.ExecuteSQL(
+            "CREATE TABLE kunden (id INTEGER PRIMARY KEY, name TEXT, ort TEXT, umsatz DECIMAL(10,2), seit DATE, nr INTEGER)"));
+        ASSERT_TRUE(db_.ExecuteSQL("INSERT INTO kunden VALUES (1, 'Schulze KG', 'Bremen', 12345.5, '2019-04-01', 1001)"));
+        ASSERT_TRUE(db_.ExecuteSQL("INSERT INTO kunden VALUES (2, 'Meyer GmbH', 'Kiel', NULL, NULL, 1002)"));
     }
     void TearDown() override {
         db_.Close();
@@ -510,6 +551,12 @@ protected:
         std::string name;
         if (!rs.Open("SELECT name FROM kunden WHERE id = 1") || !rs.GetFieldValue(0, name)) return "?";
         return name;
+    }
+    double storedAmount() {
+        VntRecordset rs(&db_);
+        double v = -1;
+        if (!rs.Open("SELECT umsatz FROM kunden WHERE id = 1") || !rs.GetFieldValue(0, v)) return -1;
+        return v;
     }
     // A view of record 1 with its name typed over; the frame.
     RecView* open(wxDocument*& doc) {
@@ -561,6 +608,7 @@ TEST_F(RecordView, TheSaveQuestionDecidesWhatHappensToTheRecord) {
         EXPECT_EQ(box.shown[0].text, "Sollen die \xC4nderungen gespeichert werden?") << "message 34001";
         EXPECT_EQ(closed, !r.open);
         EXPECT_EQ(storedName(), r.stored);
+        EXPECT_DOUBLE_EQ(storedAmount(), 12345.5) << "the typed amount went through the exchange unchanged";
         if (r.open) {
             EXPECT_TRUE(frame->IsShown());
             EXPECT_EQ(name->GetValue(), "Schulze & Partner") << "the typing is kept";
@@ -679,6 +727,10 @@ TEST_F(RecordView, PicturesOfTheRecordViewInBothLanguages) {
         view->main.FindWindow(102)->SetFocus();
         pump(50);
         std::printf("picture: %s\n", picture(view->Frame(), std::string("tabview_") + lang).c_str());
+        ASSERT_TRUE(view->m_tab.GotoTab(1));
+        pump(50);
+        EXPECT_FALSE(dynamic_cast<VantoEd*>(view->figures.FindWindow(301))->GetValue().empty()) << "the amount is shown";
+        std::printf("picture: %s\n", picture(view->Frame(), std::string("tabview_figures_") + lang).c_str());
         view->Frame()->Close(true);
         pump(30);
         set_.reset();

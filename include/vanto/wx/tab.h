@@ -47,6 +47,7 @@
 #include <wx/panel.h>
 
 #include "vanto/base.h"
+#include "vanto/wx/ed.h"
 
 class wxBookCtrlBase;
 class wxBookCtrlEvent;
@@ -68,13 +69,6 @@ struct VNTTAB_DLGDEF {
 
 /// The number of pages one VntTab holds.
 inline constexpr int VNTTAB_MAX_PAGES = 10;
-
-/// A running data exchange: the window whose controls are exchanged and
-/// the direction (true: controls to data, with validation).
-struct VntTabExchange {
-    wxWindow* window = nullptr;
-    bool saveAndValidate = false;
-};
 
 /// Thrown by VntTabDlg::DDX_UpdateData when the page's exchange fails, so
 /// that the surrounding exchange stops (the one exception of the toolkit).
@@ -128,11 +122,12 @@ public:
     /// Links the page into a running exchange (only with a window) so that
     /// the view's exchange covers the page; DDX_End puts the exchange's
     /// window back.
-    void DDX_Begin(VntTabExchange& dx);
+    void DDX_Begin(VntDataExchange& dx);
     void DDX_End();
     /// Exchanges the page in the running exchange's direction; throws
-    /// VntUserException when the page has no window or the exchange fails.
-    void DDX_UpdateData(VntTabExchange& dx);
+    /// VntUserException when the page has no window or the exchange fails
+    /// (DoDataExchange false, or the exchange marked failed).
+    void DDX_UpdateData(VntDataExchange& dx);
     /// Exchanges the page's controls: true controls to data.
     bool UpdateData(bool save);
     bool DataToDlg() { return UpdateData(false); }
@@ -156,9 +151,10 @@ public:
     /// Called when the page is about to be left: TRUE refuses and the
     /// selection stays. Default: false.
     virtual bool OnKillFocus() { return false; }
-    /// The page's own exchange: controls to data when `dx.saveAndValidate`.
-    /// Default: wx's validators (TransferDataFromWindow / ToWindow).
-    virtual bool DoDataExchange(VntTabExchange& dx);
+    /// The page's own exchange: controls to data when
+    /// `dx.m_bSaveAndValidate` (VantoEd::DDX and the like). Default: wx's
+    /// validators (TransferDataFromWindow / ToWindow).
+    virtual bool DoDataExchange(VntDataExchange& dx);
 
     /// The two invisible focus stops (windows of 10 x 10 at (-100,-100) and
     /// (-80,-80), after the page's controls): reaching the first wraps to
@@ -186,7 +182,7 @@ private:
     wxWindow* focus_ = nullptr;        // remembered focus control
     long selFrom_ = -1, selTo_ = -1;   // its selection range when an edit
     wxWindow* stops_[2] = {nullptr, nullptr};
-    VntTabExchange* dx_ = nullptr;     // the exchange linked by DDX_Begin
+    VntDataExchange* dx_ = nullptr;     // the exchange linked by DDX_Begin
     wxWindow* dxWindow_ = nullptr;     // its window before the link
 };
 
@@ -373,7 +369,7 @@ public:
 
     /// The view's exchange between the record set's fields and the pages'
     /// controls. Default: every page's DDX_UpdateData.
-    virtual void DoDataExchange(VntTabExchange& dx);
+    virtual void DoDataExchange(VntDataExchange& dx);
     /// Runs DoDataExchange; false when it stopped.
     bool UpdateData(bool save);
     /// Shows the current record (edit state, controls filled).
