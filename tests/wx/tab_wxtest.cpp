@@ -21,6 +21,7 @@
 #include "../scratch.h"
 #include "tab_state.h"
 #include "vanto/db.h"
+#include "vanto/locale.h"
 #include "vanto/ui/msgbox.h"
 #include "vanto/ui/window.h"
 #include "vanto/wx/dlg.h"
@@ -713,9 +714,13 @@ std::string picture(wxWindow* w, const std::string& name) {
 }
 
 TEST_F(RecordView, PicturesOfTheRecordViewInBothLanguages) {
+    VntIntlTable de{{"sShortDate", "dd.MM.yyyy"}, {"sDecimal", ","}, {"sThousand", "."}, {"iCurrDigits", "2"}};
+    VntIntlTable en{{"sShortDate", "MM/dd/yyyy"}, {"sDecimal", "."}, {"sThousand", ","}, {"iCurrDigits", "2"}};
     for (const char* lang : {"DEU", "ENU"}) {
         SCOPED_TRACE(lang);
         openLibrary(std::string(lang) == "ENU");
+        Vnt_SysSetIntlSource(std::string(lang) == "ENU" ? &en : &de);
+        Vnt_SysInfo(VNT_SI_RELOAD);
         Vnt_UiSetPresenter(&box);
         Vnt_UiSetWindow(&win);
         wxDocument* doc = nullptr;
@@ -735,6 +740,8 @@ TEST_F(RecordView, PicturesOfTheRecordViewInBothLanguages) {
         pump(30);
         set_.reset();
     }
+    Vnt_SysSetIntlSource(nullptr);
+    Vnt_SysInfo(VNT_SI_RELOAD);
 }
 
 }  // namespace
