@@ -6,6 +6,8 @@
 
 #include "res_table.h"
 #include "vanto/wx/dsndlg.h"
+#include "msgbox.h"
+#include "progress_view.h"
 #include "window_port.h"
 #include "wx_state.h"
 
@@ -27,6 +29,10 @@ bool Vnt_WxInit() {
     // (wx_state.h), which keeps the port it replaces for Vnt_WxTerm:
     //   vnt::wx::install(std::make_shared<WxThing>(), Vnt_UiSetThing);
     vnt::wx::install(std::make_shared<vnt::wx::WxWindowPort>(), Vnt_UiSetWindow);
+    auto box = std::make_shared<vnt::wx::WxPresenter>();
+    s.presenter = box.get();
+    vnt::wx::install(box, Vnt_UiSetPresenter);
+    vnt::wx::install(std::make_shared<vnt::wx::WxProgressView>(), Vnt_UiSetProgress);
     vnt::wx::install(std::make_shared<VntWxClientSelect>(), Vnt_UiSetClientSelect);
     s.active = true;
     return true;
@@ -39,6 +45,7 @@ void Vnt_WxTerm() {
     for (auto it = s.undo.rbegin(); it != s.undo.rend(); ++it) (*it)();
     s.undo.clear();
     s.ports.clear();
+    s.presenter = nullptr;
     s.active = false;
 }
 

@@ -9,11 +9,14 @@ class VntDlg;
 
 namespace vnt::wx {
 
+class WxPresenter;
+
 struct WxState {
     bool active = false;                        // between Vnt_WxInit and Vnt_WxTerm
     std::vector<std::shared_ptr<void>> ports;   // the ports Vnt_WxInit made
     std::vector<std::function<void()>> undo;    // puts back the ports they replaced
     VntDlg* activeDialog = nullptr;             // VntDlg::GetActiveDialog
+    WxPresenter* presenter = nullptr;           // the message box presenter installed
 };
 
 WxState& state();

@@ -1,0 +1,147 @@
+// Pictures of the library's own windows, German and English, into the
+// build tree's "shots" folder: each box type with and without check box,
+// the details page, the progress dialog with its confirmation and a VntDlg.
+// Every visible control must show its whole text inside the window; the
+// pictures are for a person to look at.
+#include "wx_support.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <set>
+
+#include <wx/dcmemory.h>
+#include <wx/dcclient.h>
+#include <wx/stdpaths.h>
+#include <wx/modalhook.h>
+
+#include "msgbox.h"
+#include "progress_view.h"
+#include "msg/msg_internal.h"
+#include "vanto/stat.h"
+#include "vanto/wx/dlg.h"
+#include "wx_state.h"
+
+namespace fs = std::filesystem;
+using vnt::wxtest::pump;
+
+namespace {
+
+std::string shot(wxWindow* w, const std::string& name) {
+    if (!wxImage::FindHandler(wxBITMAP_TYPE_PNG)) wxImage::AddHandler(new wxPNGHandler);
+    const fs::path exe(std::string(wxStandardPaths::Get().GetExecutablePath().utf8_str()));
+    const fs::path dir = exe.parent_path().parent_path() / "shots";
+    fs::create_directories(dir);
+    w->Raise();
+    w->Refresh();
+    w->Update();
+    pump(150);
+    const wxSize size = w->GetSize();
+    wxBitmap bmp(size);
+    {
+        wxWindowDC from(w);
+        wxMemoryDC to(bmp);
+        to.Blit(0, 0, size.x, size.y, &from, 0, 0);
+    }
+    const std::string file = (dir / (name + ".png")).string();
+    EXPECT_TRUE(bmp.SaveFile(wxString::FromUTF8(file), wxBITMAP_TYPE_PNG)) << file;
+    std::printf("picture: %s\n", file.c_str());
+    return file;
+}
+
+// Controls inside their window, none clipped.
+void fits(wxWindow* top, const std::string& where) {
+    const wxRect area(wxPoint(0, 0), top->GetClientSize());
+    for (wxWindow* c : top->GetChildren()) {
+        if (!c->IsShown() || c->IsTopLevel()) continue;
+        const wxSize best = c->GetBestSize(), got = c->GetSize();
+        EXPECT_TRUE(got.x >= best.x && got.y >= best.y) << where << " " << c->GetLabel().utf8_str() << " clipped";
+        EXPECT_TRUE(area.Contains(c->GetRect())) << where << " " << c->GetLabel().utf8_str() << " outside";
+    }
+}
+
+// Takes the picture of each box 30061 when it shows, then closes it.
+class Shooter : public wxModalDialogHook {
+public:
+    Shooter() { Register(); }
+    ~Shooter() override { Unregister(); }
+    std::string name;
+
+protected:
+    int Enter(wxDialog* d) override {
+        if (auto* b = dynamic_cast<vnt::wx::MsgBoxDialog*>(d)) {
+            const std::string n = name + (b->Model().detailsMode ? "_details" : "");
+            const bool support = b->Model().internalError && taken_.insert(n).second;  // once, then OK
+            wxTheApp->CallAfter([b, n, support] {
+                fits(b, n);
+                shot(b, n);
+                b->EndModal(support ? VNT_BTN_SUPPORT : VNT_BTN_OK);
+            });
+        }
+        return wxID_NONE;
+    }
+    void Exit(wxDialog*) override {}
+
+private:
+    std::set<std::string> taken_;
+};
+
+class Pictures : public vnt::wxtest::WxTest {};
+
+TEST_F(Pictures, EveryWindowInBothLanguages) {
+    Vnt_MsgSetTitle("Fibu");
+    for (bool en : {false, true}) {
+        openLibrary(en);
+        Vnt_MsgSetTitle("Fibu");
+        const std::string lang = en ? "ENU" : "DEU";
+        Shooter shoot;
+        struct Box { const char* name; const char* text; };
+        for (const Box& b : {Box{"box_ok", "Die Buchung wurde gespeichert."},
+                             Box{"box_okcancel", "!Der Zeitraum ist abgeschlossen.\nTrotzdem buchen?"},
+                             Box{"box_yesnocancel", "?Sollen die \xC4nderungen gespeichert werden?"},
+                             Box{"box_yesno_stop", "#ynDie Datei ist gesperrt.\nErneut \xF6" "ffnen?"},
+                             Box{"box_ari", "!ariDas Laufwerk antwortet nicht."},
+                             Box{"box_retrycancel", "rcDer Drucker ist nicht bereit."},
+                             Box{"box_help", "h[12]?ynMit Hilfe zum Thema?"},
+                             Box{"box_check", "?xSoll der Beleg gedruckt werden?"},
+                             Box{"box_check_below_left", "!x.<Die Sicherung ist \xE4lter als sieben Tage."},
+                             Box{"box_labels", "?Wie weiter?|~Speichern|~Verwerfen|Zur\xFC" "ck"},
+                             Box{"box_none", "-okOhne Symbol."}}) {
+            shoot.name = std::string(b.name) + "_" + lang;
+            vnt::msg::showBox({.text = b.text, .libName = "APPMSG", .ref = 4711});
+        }
+        std::string fifteen = "Erste Zeile einer langen Meldung";
+        for (int i = 2; i <= 40; ++i) fifteen += "\nZeile " + std::to_string(i) + " der Meldung";
+        shoot.name = "box_15lines_" + lang;
+        vnt::msg::showBox({.text = fifteen.c_str(), .libName = "APPMSG", .ref = 4711});
+        shoot.name = "box_internal_error_" + lang;
+        Vnt__InternalError(true, 5, "Msg/Probe", 42);
+
+        // The progress dialog and its confirmation.
+        auto* view = dynamic_cast<vnt::wx::WxProgressView*>(&Vnt_UiProgress());
+        ASSERT_NE(view, nullptr);
+        {
+            VntStat stat("[Kopieren]  Datei Z:\\Daten\\M1\\Buchungen.db\nnach Z:\\Sicherung\\M1", 1, 200);
+            stat.EnableCancel(true);
+            stat.Progress(50UL);
+            pump(50);
+            ASSERT_TRUE(view->Status());
+            fits(view->Status(), "progress");
+            shot(view->Status(), "progress_30062_" + lang);
+            view->Status()->Close();  // the window manager's close: Cancel, with the question
+            ASSERT_TRUE(view->Confirm());
+            fits(view->Confirm(), "confirm");
+            shot(view->Confirm(), "progress_confirm_30063_" + lang);
+            EXPECT_EQ(view->Confirm()->GetTitle(), "Kopieren");
+            view->Confirm()->ProcessWindowEvent(*new wxCommandEvent(wxEVT_BUTTON, wxID_YES));
+            EXPECT_TRUE(stat.IsCancel()) << "the close counted as a confirmed Cancel";
+        }
+        VNTDLG_DLGINFO where{};
+        VntDlg dlg(30063, nullptr, 30063, 0, &where);
+        ASSERT_TRUE(dlg.IsOk());
+        dlg.Show();
+        shot(&dlg, "vntdlg_" + lang);
+        dlg.Hide();
+    }
+}
+
+}  // namespace
