@@ -5,7 +5,6 @@
 #include "app/paths.h"
 #include "cal/cal_state.h"
 #include "db/db_state.h"
-#include "ed/ed_state.h"
 #include "host/host.h"
 #include "ini/ini_stream.h"
 #include "ini/profile.h"
@@ -42,7 +41,6 @@ inline void writeAppSettings(const std::filesystem::path& programDir, const std:
     lines.insert(lines.end(), settings.begin(), settings.end());
     vnt::ini::reset();
     vnt::db::reset();
-    vnt::ed::reset();
     writeIniLibrary(programDir, "App.vtm", lines);
 }
 

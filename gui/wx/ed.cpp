@@ -5,11 +5,12 @@
 #include <cmath>
 #include <limits>
 
+#include <sqltypes.h>
+
 #include <wx/clipbrd.h>
 #include <wx/dataobj.h>
 #include <wx/utils.h>
 
-#include "cal/odbc_timestamp.h"
 #include "vanto/db.h"
 #include "vanto/locale.h"
 #include "vanto/ui/window.h"

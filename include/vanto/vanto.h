@@ -8,6 +8,7 @@
 #include "vanto/db.h"
 #include "vanto/dsn.h"
 #include "vanto/dsndlg.h"
+#include "vanto/ed.h"
 #include "vanto/ini.h"
 #include "vanto/lfn.h"
 #include "vanto/locale.h"

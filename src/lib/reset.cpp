@@ -4,6 +4,7 @@
 #include "app/paths.h"
 #include "cal/cal_state.h"
 #include "db/db_state.h"
+#include "ed/ed_state.h"
 #include "host/host.h"
 #include "ini/ini_stream.h"
 #include "ini/profile.h"
@@ -19,6 +20,7 @@ namespace vnt {
 void resetLibrary() {
     // The library-wide INI object closes before the message system goes.
     ini::reset();
+    ed::reset();
     db::reset();
     app::resetModules();
     app::resetLifecycle();

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 
+#include <wx/button.h>
 #include <wx/clipbrd.h>
 #include <wx/dataobj.h>
 #include <wx/dcclient.h>
@@ -34,7 +35,9 @@ using vnt::wxtest::pumpUntil;
 const char* kEdXrc = R"(<?xml version="1.0" encoding="UTF-8"?>
 <resource version="2.5.3.0">
   <object class="wxDialog" name="dlg5301"><title>Eingabefelder</title>
-    <object class="wxFlexGridSizer"><cols>2</cols><vgap>6</vgap><hgap>10</hgap>
+   <object class="wxBoxSizer"><orient>wxVERTICAL</orient>
+    <object class="sizeritem"><flag>wxEXPAND</flag>
+    <object class="wxFlexGridSizer"><cols>2</cols><vgap>6</vgap><hgap>10</hgap><growablecols>1</growablecols>
       <object class="sizeritem"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT|wxTOP</flag><border>10</border>
         <object class="wxStaticText" name="2000"><label>Dezimalzahl (0)</label></object></object>
       <object class="sizeritem"><flag>wxRIGHT|wxTOP</flag><border>10</border>
@@ -85,6 +88,14 @@ const char* kEdXrc = R"(<?xml version="1.0" encoding="UTF-8"?>
         <object class="VantoEd" name="1009"><type>9</type><usecolors>1</usecolors><backcolor>14745599</backcolor>
           <forecolor>128</forecolor><readonly>1</readonly><value>nur lesen</value></object></object>
     </object></object>
+    <object class="sizeritem"><flag>wxALIGN_RIGHT|wxALL</flag><border>10</border>
+      <object class="wxBoxSizer"><orient>wxHORIZONTAL</orient>
+        <object class="sizeritem"><flag>wxRIGHT</flag><border>6</border>
+          <object class="wxButton" name="wxID_OK"><label>OK</label></object></object>
+        <object class="sizeritem">
+          <object class="wxButton" name="wxID_CANCEL"><label>Abbrechen</label></object></object>
+      </object></object>
+   </object></object>
 </resource>)";
 
 // English labels for the picture in the library's other language.
@@ -406,6 +417,7 @@ TEST_F(EdWx, PicturesInBothLanguages) {
     ed(3).SetVal(VNT_ED_EMPTY_LONG * 1.0);
     EXPECT_EQ(ed(3).GetText(), "") << "the empty marker";
     ed(3).SetVal(42);
+    ed(6).SetDefault();
     EXPECT_TRUE(fs::file_size(picture(dlg_, "ed_DEU")) > 0);
     // English: its conventions and labels.
     openLibrary(true);
@@ -419,6 +431,9 @@ TEST_F(EdWx, PicturesInBothLanguages) {
     ed(1).SetVal(1234.5);
     ed(5).SetText("Miller & Sons");
     ed(9).SetText("read only");
+    ed(6).SetDfltText("Default");
+    ed(6).SetDefault();
+    if (auto* b = dynamic_cast<wxButton*>(dlg_->FindWindow(wxID_CANCEL))) b->SetLabel("Cancel");
     VntDate d(2024, 2, 29);
     ed(7).SetVal(d);
     dlg_->Fit();
