@@ -1,6 +1,7 @@
 // Message library reader: opening libraries and segments, and the
 // validation of the preload area.
 #include <algorithm>
+#include <cstdint>
 #include <new>
 
 #include "base/strbuf.h"
@@ -161,15 +162,22 @@ VNT_VTM_LIB* load(std::unique_ptr<host::File> ownFile, host::File* file, const s
     if (segName && (lib->name[0] == 0 || !namesEqual(lib->name, segName)))
         return fail(VNT_VTM_E_SEGNAME);
 
-    // 7-8: the head and room for the index. A block larger than the whole
-    // file could never be filled from it: refused as out of memory.
+    // 7-8: the head and room for the index. A head larger than the whole
+    // file, or an index larger than any library file (its size is a 32-bit
+    // field), could never be filled: refused as out of memory. An index that
+    // merely runs past the end of this file is a short read of the index
+    // (status 3), told without allocating room for what is not there.
     int64_t headLen = int64_t(lib->indexOffset) - base;
     if (headLen < 0) return fail(VNT_VTM_E_INDEXOFS);
     lib->headLength = int32_t(headLen);
     const std::size_t entrySize = lib->segCount < 1 ? kEntrySize : kDirEntrySize;
-    if (lib->entryCount < 0) return fail(VNT_VTM_E_MEMORY);
     const int64_t indexBytes = int64_t(lib->entryCount) * int64_t(entrySize);
-    if (headLen + indexBytes > fileSize) return fail(VNT_VTM_E_MEMORY);
+    if (lib->entryCount < 0 || indexBytes > INT32_MAX || headLen > fileSize) return fail(VNT_VTM_E_MEMORY);
+    if (int64_t(lib->indexOffset) + indexBytes > fileSize) {
+        const int64_t there = fileSize - int64_t(lib->indexOffset);
+        sr = ShortRead{true, uint64_t(indexBytes), uint64_t(there > 0 ? there : 0)};
+        return fail(VNT_VTM_E_INDEX);
+    }
     lib->indexPos = std::size_t(std::max<int64_t>(headLen, kHeaderSize));
     try {
         lib->block.assign(lib->indexPos + std::size_t(indexBytes) + kSpareIndex, 0);
