@@ -237,12 +237,15 @@ protected:
     void put(const std::string& name, const std::string& text) const { std::ofstream(dir_ / name, std::ios::binary) << text; }
 
     // Runs a program with single-quoted arguments, capturing both streams.
-    ToolRun run(const std::string& exe, const std::vector<std::string>& args) const {
+    // `out` replaces the file that receives standard output.
+    ToolRun run(const std::string& exe, const std::vector<std::string>& args, const std::string& out = {}) const {
         std::string cmd = "'" + exe + "'";
         for (const std::string& a : args) cmd += " '" + a + "'";
-        const int status = std::system((cmd + " >'" + path("stdout") + "' 2>'" + path("stderr") + "'").c_str());
+        const std::string to = out.empty() ? path("stdout") : out;
+        const int status = std::system((cmd + " >'" + to + "' 2>'" + path("stderr") + "'").c_str());
         // A POSIX wait status: the exit code is in bits 8..15 when no signal ended the program.
-        return {status != -1 && (status & 0x7f) == 0 ? (status >> 8) & 0xff : -1, readFile(path("stdout")), readFile(path("stderr"))};
+        return {status != -1 && (status & 0x7f) == 0 ? (status >> 8) & 0xff : -1, out.empty() ? readFile(to) : "",
+                readFile(path("stderr"))};
     }
     std::string dump(const std::vector<std::string>& args) const { return run(VTMDUMP_EXE, args).withOut(); }
     static std::string status(int n) { return "status " + std::to_string(n) + ": " + Vnt_VtmStatusText(n) + "\n"; }
@@ -330,5 +333,38 @@ TEST_F(VtmToolsRun, FailuresKeepTheOutput) {
     expectRefusal<std::runtime_error>("missing dir", "missing/out.vtm", [&] { writeFileAtomic(dir_ / "missing" / "out.vtm", Bytes{'x'}); });
 }
 
-}  // namespace
+// What is no input, a failing standard output and a source named as its own
+// output: a clear error each, exit status 1, and nothing overwritten.
+TEST_F(VtmToolsRun, RefusesWhatIsNoInputAndFailedWrites) {
+    static const char kLate[] = "library X\n1 \"a\"\n2 \"b\0\"\n";
+    const std::string vtm = compile("orders", kLibrary);
+    put("empty.vtm", ""), put("empty.vtms", ""), put("zeros.vtms", std::string(4 << 20, '\0'));
+    put("long.vtms", std::string(70000, 'a')), put("late.vtms", std::string(kLate, sizeof kLate - 1));
+    put("self.vtms", "library X\n1 \"a\"\n");
+    struct Row { const char* name; const char* exe; std::vector<std::string> args; std::string out; const char* says; };
+    const Row rows[] = {
+        {"unknown subcommand named", VTMDUMP_EXE, {"bogus", "x"}, "", "unknown subcommand 'bogus'"},
+        {"decompile to a full disk", VTMDUMP_EXE, {"decompile", vtm}, "/dev/full", "cannot write to standard output"},
+        {"list to a full disk", VTMDUMP_EXE, {"list", vtm}, "/dev/full", "cannot write to standard output"},
+        {"empty library", VTMDUMP_EXE, {"check", path("empty.vtm")}, "", "is empty: not a message library"},
+        {"empty source", VTMC_EXE, {path("empty.vtms"), "-o", path("x.vtm")}, "", "empty.vtms:1:1: error: the file is empty"},
+        {"zeros", VTMC_EXE, {path("zeros.vtms"), "-o", path("x.vtm")}, "", "zeros.vtms:1:1: error: a NUL byte"},
+        {"NUL on line 3", VTMC_EXE, {path("late.vtms"), "-o", path("x.vtm")}, "", "late.vtms:3:5: error: a NUL byte"},
+        {"over-long line", VTMC_EXE, {path("long.vtms"), "-o", path("x.vtm")}, "", "long.vtms:1:1: error: a line longer"},
+        {"output is the source", VTMC_EXE, {path("self.vtms"), "-o", path("self.vtms")}, "", "is the source itself"},
+        {"output is the source by another name", VTMC_EXE, {path("self.vtms"), "-o", (dir_ / "." / "self.vtms").string()}, "", "is the source itself"},
+    };
+    for (const Row& r : rows) {
+        SCOPED_TRACE(r.name);
+        const ToolRun t = run(r.exe, r.args, r.out);
+        EXPECT_EQ(t.rc, 1);
+        EXPECT_NE(t.err.find(r.says), std::string::npos) << t.err;
+        EXPECT_EQ(t.err.find("Internal Error"), std::string::npos) << t.err;
+    }
+    EXPECT_FALSE(fs::exists(dir_ / "x.vtm"));
+    EXPECT_EQ(readFile(path("self.vtms")), "library X\n1 \"a\"\n");
+    // The description of the source format is named where it is installed.
+    EXPECT_NE(run(VTMC_EXE, {"--help"}).out.find("/doc/vantortl"), std::string::npos);
+}
 
+}  // namespace

@@ -12,7 +12,10 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <filesystem>
 #include <deque>
 #include <exception>
 #include <string>
@@ -31,7 +34,14 @@ struct Failure {
     std::string message;
 };
 
-void printLine(const std::string& line) { std::fputs((line + "\n").c_str(), stdout); }
+// Every write to standard output is checked: a full disk or a closed pipe
+// ends the command with exit status 1 instead of a silently cut output.
+void writeOut(const std::string& text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
+        throw Failure{std::string("cannot write to standard output: ") + std::strerror(errno)};
+}
+
+void printLine(const std::string& line) { writeOut(line + "\n"); }
 
 std::string statusLine(long status) {
     return "status " + std::to_string(status) + ": " + Vnt_VtmStatusText(status);
@@ -47,6 +57,9 @@ std::string argToCp1252(const std::string& arg, const char* what) {
 
 // Opens a file given as a host path through the reader.
 VNT_MSG openFile(const std::string& hostPath) {
+    std::error_code ec;
+    if (std::filesystem::is_regular_file(hostPath, ec) && std::filesystem::file_size(hostPath, ec) == 0 && !ec)
+        throw Failure{"'" + hostPath + "' is empty: not a message library"};
     VNT_PATH path;
     if (!Vnt_LfnFromHost(path, hostPath.c_str()))
         throw Failure{"cannot use '" + hostPath +
@@ -228,7 +241,7 @@ int cmdDecompile(const std::string& file) {
         if (source.empty()) throw;
         std::fprintf(stderr, "vtmdump: warning: the source will not compile: %s\n", e.what());
     }
-    std::fputs(source.c_str(), stdout);
+    writeOut(source);
     for (const std::string& p : problems) std::fprintf(stderr, "vtmdump: %s\n", p.c_str());
     if (!rebuilt.empty()) {
         std::string original;
@@ -281,6 +294,12 @@ int main(int argc, char** argv) {
         "decompile", "Prints a source that vtmc compiles back into the same file.");
     decompile->add_option("FILE", file, "message library file")->required();
 
+    // A first word that is no option and no subcommand is named as such.
+    const std::vector<std::string> commands{"check", "get", "list", "decompile"};
+    if (argc > 1 && argv[1][0] != '-' && std::find(commands.begin(), commands.end(), argv[1]) == commands.end()) {
+        std::fprintf(stderr, "vtmdump: unknown subcommand '%s' (one of: check, get, list, decompile)\n", argv[1]);
+        return 1;
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
@@ -288,10 +307,14 @@ int main(int argc, char** argv) {
     }
 
     try {
-        if (*check) return cmdCheck(file, segment);
-        if (*get) return cmdGet(file, segment, sysFile, refs);
-        if (*list) return cmdList(file, segment);
-        if (*decompile) return cmdDecompile(file);
+        int rc = 1;
+        if (*check) rc = cmdCheck(file, segment);
+        else if (*get) rc = cmdGet(file, segment, sysFile, refs);
+        else if (*list) rc = cmdList(file, segment);
+        else if (*decompile) rc = cmdDecompile(file);
+        if (std::fflush(stdout) != 0 || std::ferror(stdout))
+            throw Failure{std::string("cannot write to standard output: ") + std::strerror(errno)};
+        return rc;
     } catch (const Failure& f) {
         std::fflush(stdout);
         std::fprintf(stderr, "vtmdump: %s\n", f.message.c_str());
