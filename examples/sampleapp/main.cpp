@@ -5,6 +5,11 @@
 // a few amounts in the locale's form, connects the user's default client
 // (INI\dsn.ini, an SQLite database in the client's data directory) and
 // counts the articles of its database, and ends the library.
+//
+//     Sample            the run
+//     Sample --setup    creates the clients' databases with their articles
+//                       (only where there is none yet); the build runs it
+#include <cstring>
 #include <cstdio>
 #include <string>
 
@@ -34,29 +39,53 @@ void load(long module, long arg1 = 0, long arg2 = 0) {
 
 // The client: the client selection connects the user's default client
 // (without windows it takes the default; with no client at all the program
-// ends with exit code 2), the client-change module greets, and the
-// client's database gets its small article table on first use.
+// ends with exit code 2, saying why), the client-change module greets, and
+// the articles of the client's database are counted. A run never creates a
+// database: the clients' lines in dsn.ini say "NoCreat=1", so a deleted one
+// is an error of the connection, not a new empty database.
 void showClient() {
-    VntDatabase* db = Vnt_AppConnect("");
-    std::string count;
-    if (db->ExecuteSQL("CREATE TABLE IF NOT EXISTS artikel (nr INTEGER PRIMARY KEY, bezeichnung VARCHAR(40),"
-                       " preis NUMERIC(10,2))")) {
-        VntRecordset rs;
-        Vnt_AppGetConnect(&rs);
-        if (rs.Open("SELECT COUNT(*) AS anzahl FROM artikel") && rs.GetFieldValue("anzahl", count) && count == "0") {
-            db->ExecuteSQL("INSERT INTO artikel VALUES (1, 'Kaffeem\xFChle', 49.90), (2, 'Teekanne', 19.50),"
-                           " (3, 'Gew\xFCrzregal', 24.00)");
-            rs.Requery();
-            rs.GetFieldValue("anzahl", count);
-        }
-    }
+    Vnt_AppConnect("");
+    std::string count = "?";
+    VntRecordset rs;
+    if (Vnt_AppGetConnect(&rs) && rs.Open("SELECT COUNT(*) AS anzahl FROM artikel")) rs.GetFieldValue("anzahl", count);
     say("Mandant: " + lib(Vnt_AppDSN()) + " (" + lib(Vnt_AppDataPath()) + "), " + count + " Artikel");
     Vnt_AppConnClose();
 }
 
+// The set-up: the database of each client in its data directory (relative
+// to the installation), with the article table and three articles. An
+// existing database is left as it is.
+int setup() {
+    int rc = 0;
+    for (const char* dir : {"Daten\\M1", "Daten\\M2"}) {
+        VNT_PATH file;
+        Vnt_LfnNameMake(file, dir, "Sample.db", nullptr);
+        char host[4096];
+        if (!Vnt_LfnToHost(file, host, sizeof host)) {
+            std::fprintf(stderr, "Sample: cannot name %s\n", file);
+            rc = 1;
+            continue;
+        }
+        if (std::FILE* there = std::fopen(host, "rb")) {
+            std::fclose(there);
+            say(std::string("Datenbank ") + host + " ist schon da.");
+            continue;
+        }
+        VntDatabase db;
+        const bool ok = db.OpenEx((std::string("Driver=SQLite3;Database=") + host + ";").c_str()) &&
+                        db.ExecuteSQL("CREATE TABLE artikel (nr INTEGER PRIMARY KEY, bezeichnung VARCHAR(40),"
+                                      " preis NUMERIC(10,2))") &&
+                        db.ExecuteSQL("INSERT INTO artikel VALUES (1, 'Kaffeem\xFChle', 49.90), (2, 'Teekanne', 19.50),"
+                                      " (3, 'Gew\xFCrzregal', 24.00)");
+        say(std::string("Datenbank ") + host + (ok ? " mit 3 Artikeln angelegt." : " konnte nicht angelegt werden."));
+        if (!ok) rc = 1;
+    }
+    return rc;
+}
+
 }  // namespace
 
-int main() {
+int main(int argc, char** argv) {
     std::setvbuf(stdout, nullptr, _IOLBF, 0);  // in step with the boxes on standard error
     // Boxes go to standard error; without a terminal each is answered as if
     // closed, so the program never waits.
@@ -66,10 +95,11 @@ int main() {
     VNT_HWND main = windows ? windows->CreateFake("Sample", mainWindow) : nullptr;
     if (windows) windows->SetMainWindow(main);
 
-    // Like a desktop shortcut's "start in": the system library is looked
-    // for in the current directory only.
+    // Like a desktop shortcut's "start in": the installation is the
+    // current directory, to which the clients' data paths are relative.
     VNT_PATH progDir;
     if (Vnt_LfnProgDirName(progDir, sizeof progDir)) Vnt_LfnDirSet(progDir);
+    if (argc > 1 && std::strcmp(argv[1], "--setup") == 0) return setup();
 
     if (!Vnt_AppMainInit()) {
         std::fprintf(stderr, "Sample: the library could not be started.\n");
@@ -114,7 +144,9 @@ int main() {
     say("  darin Steuer " + lib(taxText));
     double read = 0;
     Vnt_MoneyFromStr("2,345", &read);
-    say("\"2,345\" als Geldbetrag gelesen: " + std::to_string(read));
+    std::string readText;
+    Vnt_MoneyToStr(readText, read, true);
+    say("\"2,345\" als Geldbetrag gelesen: " + lib(readText));
 
     showClient();
 
