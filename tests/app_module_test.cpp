@@ -229,6 +229,42 @@ TEST_F(AppModule, FailuresAndTheirMessages) {
     EXPECT_TRUE(said("simulated"));
 }
 
+// A missing, damaged or empty module table: told once when a module is
+// asked for (the file and the reader's status), then refused silently; a
+// reader report during the load, even one not confirmed, ends nothing.
+TEST_F(AppModule, AnUnreadableTableIsToldOnce) {
+    const std::string file = lib(dir_ / "INI" / "Modules.vtm");
+    struct Row { const char* name; std::string bytes; long status; };
+    const Row rows[] = {{"missing", "", 1}, {"cut_header", "VANTOVTM60", 2}, {"no_library", std::string(300, 'x'), 5}};
+    for (const Row& r : rows) {
+        SCOPED_TRACE(r.name);
+        vnt::app::resetModules();
+        box.shown.clear();
+        fs::remove_all(dir_ / "INI");
+        if (!r.bytes.empty()) fs::create_directories(dir_ / "INI"), std::ofstream(dir_ / "INI" / "Modules.vtm") << r.bytes;
+        box.answers = {VntBoxAnswer{VNT_BTN_CANCEL, false}};  // what a box without a terminal answers
+        EXPECT_FALSE(vnt::app::loadModuleTable());
+        EXPECT_EQ(box.shown.size(), 0u);
+        EXPECT_FALSE(Vnt_AppModLoad(10));
+        EXPECT_EQ(Vnt_AppModInfo(10), nullptr);
+        EXPECT_FALSE(Vnt_AppModLoad(20));
+        ASSERT_EQ(box.shown.size(), 1u);
+        EXPECT_EQ(box.shown[0].text, "The module table \"" + file + "\" could not be read (status " + std::to_string(r.status) +
+                                         ": " + Vnt_VtmStatusText(r.status) + "). No modules can be started.");
+    }
+    // A table without entries says so too.
+    vnt::app::resetModules(), box.shown.clear();
+    vnt::test::writeIniLibrary(dir_, "Modules.vtm", {});
+    EXPECT_FALSE(vnt::app::loadModuleTable());
+    EXPECT_FALSE(Vnt_AppModLoad(10));
+    EXPECT_TRUE(said("(status 11: "));
+    // Never loaded: each use stays an internal error.
+    vnt::app::resetModules(), box.shown.clear();
+    EXPECT_FALSE(Vnt_AppModLoad(10));
+    EXPECT_FALSE(Vnt_AppModLoad(10));
+    EXPECT_EQ(box.shown.size(), 2u);
+}
+
 TEST_F(AppModule, DisabledModulesAndSpecialNumbers) {
     table({"10, ModPlain.dll, Plain, ModMain, 0", "11, ModPlain.dll, Other, ModMain, 0"});
     const long list[] = {11, 0}, unknown[] = {10, 99, 0};

@@ -266,14 +266,29 @@ INSTANTIATE_TEST_SUITE_P(Sqlite, ConnLiteDeathTest, ::testing::Values(&kSqlite),
 TEST_P(ConnLiteDeathTest, NoClientEndsTheApplicationWithCode2) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     // The user cancels the selection.
-    EXPECT_EXIT(Vnt_AppConnect(""), ::testing::ExitedWithCode(2), "");
+    // Each end says why on standard error first, in one line.
+    const char* const why = ": exit code 2: no client could be connected\n";
+    EXPECT_EXIT(Vnt_AppConnect(""), ::testing::ExitedWithCode(2), why);
     // Headless, without a default client and without a terminal.
     Vnt_UiSetClientSelect(nullptr);
     if (!vnt::host::interactiveTerminal()) {
-        EXPECT_EXIT(Vnt_DlgDsn("ODBC;", nullptr, false, false), ::testing::ExitedWithCode(2), "");
+        EXPECT_EXIT(Vnt_DlgDsn("ODBC;", nullptr, false, false), ::testing::ExitedWithCode(2), why);
     }
     // A connect string that fails and no selection either.
-    EXPECT_EXIT(Vnt_DlgDsn("ODBC;Driver=NoSuchDriver;", nullptr, false, false), ::testing::ExitedWithCode(2), "");
+    EXPECT_EXIT(Vnt_DlgDsn("ODBC;Driver=NoSuchDriver;", nullptr, false, false), ::testing::ExitedWithCode(2), why);
+    // An empty or damaged client list is named, in a box and in the line.
+    const std::string clients = get();
+    for (const char* list : {"", "\x01\x02garbage\xFF"}) {
+        if (vnt::host::interactiveTerminal()) break;
+        put("INI/dsn.ini", list);
+        EXPECT_EXIT(
+            {
+                Vnt_DlgDsn("ODBC;", nullptr, false, false);
+                std::fprintf(stderr, "not reached\n");
+            },
+            ::testing::ExitedWithCode(2), "exit code 2: no client could be connected: the client list \"T:.INI.dsn.ini\" names no client\n");
+    }
+    put("INI/dsn.ini", clients);
     // Headless with the user's default client: connected.
     putLines("USR/Std/User.ini", {"[DSN]", "Default=M\xFCller GmbH"});
     VntDatabase* db = nullptr;

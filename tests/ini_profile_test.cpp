@@ -16,6 +16,9 @@
 
 #include "host/host.h"
 #include "ini/profile.h"
+#include "support.h"
+#include "vanto/msg.h"
+#include "vanto/ui/msgbox.h"
 #include "vanto/ini.h"
 #include "vanto/lfn.h"
 
@@ -268,6 +271,27 @@ TEST_F(Profile, FailedReplacementKeepsTheOldFile) {
         EXPECT_TRUE(Vnt_ProfileWriteString("A", "x", "2", file_.c_str())) << r.name << ": works again";
         EXPECT_EQ(text(), "[A]\r\nx=2\r\n;keep\r\n") << r.name;
     }
+}
+
+// A file that cannot be written (a read-only installation) is said once,
+// with its name and the system's reason; the write still fails.
+TEST_F(Profile, AnUnwritableFileIsToldOnce) {
+    VntScriptedPresenter box;
+    VntMsgPresenter* old = Vnt_UiSetPresenter(&box);
+    char sys[VNT_MAX_PATH] = {};
+    ASSERT_TRUE(Vnt_LfnFromHost(sys, VANTO_SYSLIB_EN) && Vnt_MsgItfInit(nullptr, 0, sys));
+    put("[A]\nx=1\n");
+    for (int i = 0; i < 2; ++i) {
+        vnt::host::faultAt(vnt::host::Op::Rename, 1);
+        EXPECT_FALSE(Vnt_ProfileWriteString("A", "x", "2", file_.c_str()));
+    }
+    EXPECT_TRUE(Vnt_ProfileWriteString("A", "x", "3", file_.c_str()));
+    Vnt_MsgItfTerm();
+    Vnt_UiSetPresenter(old);
+    ASSERT_EQ(box.shown.size(), 1u);
+    EXPECT_EQ(box.shown[0].text, "The file \"" + file_ + "\" cannot be written (" + vnt::host::errorText(EIO) +
+                                     "). The change is not saved.");
+    vnt::test::resetAll();  // closes the system library
 }
 
 // Another writer changes the file between cached reads; with notification

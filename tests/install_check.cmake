@@ -15,11 +15,23 @@ run(${CMAKE_COMMAND} --install "${BUILD}" --prefix "${prefix}")
 run(${CMAKE_COMMAND} -S "${SRC}/examples/consumer" -B "${cbuild}" -G Ninja
     "-DCMAKE_PREFIX_PATH=${prefix}" -DCMAKE_BUILD_TYPE=Release "-DCMAKE_CXX_FLAGS=${FLAGS}")
 run(${CMAKE_COMMAND} --build "${cbuild}")
-run("${cbuild}/consumer")
-if(NOT last_output MATCHES "C:\\\\Daten\\\\Texte.vtm not open status 1")
-  message(FATAL_ERROR "unexpected consumer output: ${last_output}")
-endif()
+# Started elsewhere and without a terminal, it finds the installed system
+# library of the locale's language.
+file(MAKE_DIRECTORY "${BIN}/install-check/elsewhere")
+foreach(case "C;DEU" "de_DE.UTF-8;DEU" "en_US.UTF-8;ENU")
+  list(GET case 0 locale)
+  list(GET case 1 lang)
+  execute_process(COMMAND env -u LD_LIBRARY_PATH -u VANTORTL_MSGDIR LC_ALL=${locale} "${cbuild}/consumer"
+                  WORKING_DIRECTORY "${BIN}/install-check/elsewhere" INPUT_FILE /dev/null
+                  RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(NOT rc EQUAL 0 OR NOT out MATCHES "C:\\\\Daten\\\\Texte.vtm not open status 1\nsystem messages ${lang}, boxes ${lang}\n")
+    message(FATAL_ERROR "consumer (LC_ALL=${locale}): exit ${rc}\n${out}\n${err}")
+  endif()
+endforeach()
 run(env -u LD_LIBRARY_PATH "${prefix}/bin/vtmc" --help)
+if(NOT last_output MATCHES "share/doc/vantortl" OR NOT EXISTS "${prefix}/share/doc/vantortl/vtm-source.md")
+  message(FATAL_ERROR "the source format's description is not installed where vtmc --help says:\n${last_output}")
+endif()
 run(env -u LD_LIBRARY_PATH "${prefix}/bin/vtmdump" --help)
 foreach(lang de en)
   if(NOT EXISTS "${prefix}/share/vantortl/${lang}/VNT60LIB.VTM")

@@ -177,12 +177,14 @@ using ReportsDeathTest = Reports;
 TEST_F(ReportsDeathTest, ExceptionAbortEndsTheProcessWithCode3) {
     const VNT_EXCEPTION_RECORD rec{0xC0000005, 0, nullptr, {0, 0}};
     box.plainAnswers = {VNT_BTN_ABORT};
-    EXPECT_EXIT(Vnt_ExceptHandleException__("App/Main", 1, &rec, "x"), ::testing::ExitedWithCode(3), "");
+    EXPECT_EXIT(Vnt_ExceptHandleException__("App/Main", 1, &rec, "x"), ::testing::ExitedWithCode(3),
+                ": exit code 3: an exception report was answered Abort: [^\n]*App/Main[^\n]*\n");
 }
 
 TEST_F(ReportsDeathTest, ReaderReportNotConfirmedEndsTheProcessWithCode3) {
     box.answers = {VntBoxAnswer{VNT_BTN_CANCEL, false}};
-    EXPECT_EXIT(Vnt_MsgHLoad(nullptr, 40000), ::testing::ExitedWithCode(3), "");
+    EXPECT_EXIT(Vnt_MsgHLoad(nullptr, 40000), ::testing::ExitedWithCode(3),
+                ": exit code 3: a report was not confirmed: VTMINTRF: Internal Error. [^\n]*40000[^\n]*\n");
 }
 
 }  // namespace

@@ -5,9 +5,10 @@
 // presenter, which also records internal error reports.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <random>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@
 #include "vanto/msg.h"
 #include "vanto/ui/msgbox.h"
 #include "vtmtool/vtm_writer.h"
+#include "scratch.h"
 
 namespace fs = std::filesystem;
 using vnt::msg::textState;
@@ -42,6 +44,11 @@ void writeLib(const fs::path& file, const vtmtool::Library& lib) {
 }
 vtmtool::Library named(std::string name, std::string text1) { return {std::move(name), 60, 0, -1, {{1, std::move(text1)}}}; }
 std::string notFound(const std::string& name) { return "Could not find Message Library \"" + name + "\""; }
+// The first line of each text: a "not found" report lists the places after it.
+std::vector<std::string> firstLines(std::vector<std::string> texts) {
+    for (std::string& t : texts) t = t.substr(0, t.find('\n'));
+    return texts;
+}
 std::string internal(int code) { return "E Internal error " + std::to_string(code) + ": check failed"; }
 const VNT_HINSTANCE kModule = reinterpret_cast<VNT_HINSTANCE>(std::uintptr_t(0x1000));  // registered strings only
 
@@ -70,7 +77,7 @@ protected:
         return out;
     }
     const fs::path cwd_ = fs::current_path();
-    const fs::path dir_ = fs::temp_directory_path() / ("vanto_msgtext_" + std::to_string(std::random_device{}()));
+    const fs::path dir_ = vnt::test::scratchDir("vanto_msgtext_");
     VntScriptedPresenter box_;
 };
 
@@ -136,7 +143,7 @@ TEST_F(MsgTextTest, LibrarySearchOrder) {
         {"two_up", "UP1 UP2 UP3 UP4", "MYLIB", "UP2"}, {"four_up", "UP1 UP3 UP4", "MYLIB", "UP4"},
         {"one_or_three_up_not_searched", "UP1 UP3", "MYLIB", nullptr}, {"other_extension", "PROG", "MYLIB.MSG", nullptr},
         {"directory_dropped_any_case", "PROG", "Z:\\nowhere\\mylib.vtm", "PROG"}, {"no_name", "PROG", "", nullptr}};
-    writeLib(prog / "VNT60LIB.VTM", kSys), fs::create_directories(dir_ / "cwd");  // the system library: never found there
+    fs::create_directories(dir_ / "cwd");
     for (const Row& r : rows) {
         SCOPED_TRACE(r.name);
         for (const auto& [word, path] : places)
@@ -146,15 +153,71 @@ TEST_F(MsgTextTest, LibrarySearchOrder) {
         ASSERT_TRUE(vnt::host::setCurDir(libPath(dir_ / "cwd")));
         VNT_MSG h = Vnt_MsgHInit(nullptr, r.ask);
         EXPECT_STREQ(h ? Vnt_MsgHLoad(h, 1) : nullptr, r.found);
-        EXPECT_EQ(shown(), r.found ? V{} : V{notFound(*r.ask ? r.ask : "(unknown)")});
+        EXPECT_EQ(firstLines(shown()), r.found ? V{} : V{notFound(*r.ask ? r.ask : "(unknown)")});
         EXPECT_EQ(textState().initCount, r.found ? 2 : 0);  // a failed open gives the system reference back
     }
-    // The system library only as named; a raised "not found" counter silences the report.
+    // No main library without the system library; a raised "not found" counter silences the report.
     fs::remove(dir_ / "sys" / "VNT60LIB.VTM");
-    EXPECT_EQ(Vnt_MsgHInit(nullptr, "MYLIB"), nullptr);  // no main library without it
+    vnt::host::setLibraryFile(libPath(dir_ / "nothing" / "lib" / "libvantortl.so"));
+    EXPECT_EQ(Vnt_MsgHInit(nullptr, "MYLIB"), nullptr);
     Vnt__MsgExtCheck(0, 2, 2);
     EXPECT_EQ(Vnt_MsgHInit(nullptr, nullptr), nullptr);
-    EXPECT_EQ(shown(), V{notFound(libPath(dir_ / "sys" / "VNT60LIB.VTM"))});
+    EXPECT_EQ(firstLines(shown()), V{notFound(libPath(dir_ / "sys" / "VNT60LIB.VTM"))});
+}
+
+// The system library as named (current directory or a path), then in the
+// program directory, the directory of VANTORTL_MSGDIR and the installed
+// share/vantortl/<language> beside this library: German unless the locale
+// is English. A file there that is no library ends the search as damaged.
+TEST_F(MsgTextTest, SystemLibrarySearch) {
+    const fs::path prog = dir_ / "prog", env = dir_ / "env", lib = dir_ / "inst" / "lib";
+    const fs::path share = (lib / VANTO_SHARE_FROM_LIB).lexically_normal();
+    const std::pair<const char*, fs::path> places[] = {{"CWD", dir_ / "cwd"}, {"PROG", prog}, {"ENV", env},
+        {"DE", share / "de"}, {"EN", share / "en"}};
+    // placed: where VNT60LIB.VTM lies (BAD: a damaged one in the program directory); found: whose text 40000 is read.
+    struct Row { const char* name; const char* placed; const char* locale; const char* found; };
+    const Row rows[] = {
+        {"current_dir_first", "CWD PROG ENV DE", "C", "CWD"}, {"program_dir", "PROG ENV DE EN", "C", "PROG"},
+        {"environment", "ENV DE EN", "en_US.UTF-8", "ENV"}, {"installed_german", "DE EN", "de_AT.UTF-8", "DE"},
+        {"installed_english", "DE EN", "en_GB.UTF-8", "EN"}, {"installed_other_language_german", "DE EN", "fr_FR.UTF-8", "DE"},
+        {"german_only_installed_english_locale", "DE", "en_US.UTF-8", nullptr}, {"nowhere", "", "C", nullptr},
+        {"damaged_ends_the_search", "BAD ENV DE", "C", nullptr}};
+    const char* oldLocale = std::getenv("LC_ALL");
+    const std::string keep = oldLocale ? oldLocale : "";
+    ::setenv(vnt::msg::kSysLibDirVariable, env.c_str(), 1);
+    for (const Row& r : rows) {
+        SCOPED_TRACE(r.name);
+        for (const auto& [word, path] : places) {
+            fs::remove(path / "VNT60LIB.VTM");
+            vtmtool::Library sys = kSys;
+            sys.messages[0].text = word;
+            if (std::strstr(r.placed, word)) writeLib(path / "VNT60LIB.VTM", sys);
+        }
+        if (std::strstr(r.placed, "BAD")) std::ofstream(prog / "VNT60LIB.VTM") << std::string(300, 'x');
+        ::setenv("LC_ALL", r.locale, 1);
+        restart(false);
+        Vnt_UiSetPresenter(&box_);
+        Vnt_MsgItfInit(nullptr, 0, nullptr);
+        vnt::host::setProgramFile(libPath(prog / "prog"));
+        vnt::host::setLibraryFile(libPath(lib / "libvantortl.so"));
+        ASSERT_TRUE(vnt::host::setCurDir(libPath(dir_ / "cwd")));
+        VNT_MSG sys = Vnt_MsgHInit();
+        EXPECT_STREQ(sys ? Vnt_MsgHLoad(sys, 40000) : nullptr, r.found);
+        const V boxes = shown();
+        if (r.found) {
+            EXPECT_EQ(boxes, V{});
+        } else if (std::strstr(r.placed, "BAD")) {
+            EXPECT_EQ(boxes, V{"Message Library \"" + libPath(prog / "VNT60LIB.VTM") + "\" is damaged: status 5 (" +
+                               Vnt_VtmStatusText(5) + ")"});
+        } else {
+            const std::string language = std::strcmp(r.locale, "en_US.UTF-8") == 0 ? "en" : "de";
+            EXPECT_EQ(boxes, V{notFound("VNT60LIB") + "\nLooked for: " + libPath(dir_ / "cwd" / "VNT60LIB.VTM") + "; " +
+                               libPath(prog / "VNT60LIB.VTM") + "; " + libPath(env / "VNT60LIB.VTM") + "; " +
+                               libPath(share / language / "VNT60LIB.VTM")});
+        }
+    }
+    ::unsetenv(vnt::msg::kSysLibDirVariable);
+    oldLocale ? ::setenv("LC_ALL", keep.c_str(), 1) : ::unsetenv("LC_ALL");
 }
 
 // Copies are cut at size - 1; a preloaded text is returned in place, others

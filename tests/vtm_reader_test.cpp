@@ -105,8 +105,15 @@ TEST_F(VtmTest, OpenStatusesAndPreloadRepairs) {
         {"segments_257", -1, [](Bytes& b) { put32(b, F_SEGCOUNT, 257); }, false, 10, nullptr, -1, 0, 0},
         {"preload_size_65536", -1, [](Bytes& b) { put32(b, F_PRESIZE, 65536); }, false, 12, nullptr, -1, 0, 0},
         {"preload_area_short", -1, [](Bytes& b) { put32(b, F_PRESIZE, 60000); }, false, 4, "Error reading \"%s\"\n(60000 bytes requested, 18 bytes read).", -1, 0, 0},
-        // A head and index larger than the file are refused before allocation.
+        // An index no library file can hold, or a head larger than the file, are refused
+        // before allocation; an index that only runs past the end of the file is read short.
         {"entry_count_huge", -1, [](Bytes& b) { put32(b, F_COUNT, 0x7fffffff); }, false, 15, nullptr, -1, 0, 0},
+        {"index_of_2_gib", -1, [](Bytes& b) { put32(b, F_COUNT, 0x10000000); }, false, 15, nullptr, -1, 0, 0},
+        {"head_past_the_file", -1, [](Bytes& b) { put32(b, F_INDEX, 255); }, false, 15, nullptr, -1, 0, 0},
+        {"head_up_to_the_end", -1, [](Bytes& b) { put32(b, F_INDEX, 254), put32(b, F_COUNT, 1); }, false, 3, "Error reading \"%s\"\n(8 bytes requested, 0 bytes read).", -1, 0, 0},
+        {"index_cut_short", -1, [](Bytes& b) { put32(b, F_COUNT, 100); }, false, 3, "Error reading \"%s\"\n(800 bytes requested, 50 bytes read).", -1, 0, 0},
+        {"index_just_short", -1, [](Bytes& b) { put32(b, F_COUNT, 7); }, false, 3, "Error reading \"%s\"\n(56 bytes requested, 50 bytes read).", -1, 0, 0},
+        {"index_of_256_mib_cut_short", -1, [](Bytes& b) { put32(b, F_COUNT, 0x0fffffff); }, false, 3, "Error reading \"%s\"\n(2147483640 bytes requested, 50 bytes read).", -1, 0, 0},
         {"entry_count_negative", -1, [](Bytes& b) { put32(b, F_COUNT, 0xfffffff0u); }, false, 15, nullptr, -1, 0, 0},
         {"index_below_base", -1, [](Bytes& b) { put32(b, F_INDEX, uint32_t(-8)); }, false, 16, nullptr, -1, 0, 0},
         {"system_not_preloaded", 3, [](Bytes& b) { put32(b, F_SYSFLAG, 1); }, false, 0, "SysMsgLib MUST BE PRELOAD.", -1, 0, 0},
@@ -396,7 +403,9 @@ TEST_F(VtmDeathTest, ReportNotConfirmedEndsProcess) {
     EXPECT_EQ(Vnt_VtmSetReport(capture)("probe"), VNT_RESP_OK);  // the default answers OK
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     Vnt_VtmSetReport([](const char*) -> VNT_RESP { return VNT_RESP_CANCEL; });
-    EXPECT_EXIT(Vnt_VtmRead(nullptr, 5), ::testing::ExitedWithCode(3), "");
+    EXPECT_EXIT(Vnt_VtmRead(nullptr, 5), ::testing::ExitedWithCode(3),
+                "exit code 3: a report was not confirmed: VTMINTRF: Internal Error. Cannot get message 5 when no "
+                "message library is open!\n");
 }
 
 }  // namespace

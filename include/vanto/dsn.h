@@ -240,7 +240,9 @@ class VntRecordset;
 /// Connects directly to `path` (empty or null: `name` is the path) under the
 /// display name `name`: closes the current connection, loads the registry's
 /// settings and connects (DsnIni::Connect). The connection, or null when the
-/// settings or the connect failed.
+/// settings or the connect failed. Always a path: Vnt_AppConnect("Muster KG",
+/// nullptr) opens a database in the directory "Muster KG". To connect a
+/// client of "dsn.ini" by its name, call Vnt_DsnConnectClient("Muster KG").
 VANTO_API VntDatabase* Vnt_AppConnect(const char* name, const char* path);
 /// Without `restore` an open connection is returned as it is. Else (or
 /// without one) the client selection runs with `text` (null or empty: the

@@ -49,6 +49,14 @@ VANTO_API void Vnt_MsgHTerm(VNT_MSG* handle);
 /// Starts the message interface: the system library name (null keeps
 /// "VNT60LIB"; may be a full path), the default box title from string
 /// `titleId` of `instance`. False when already started.
+/// The system library is opened on first use: as named (relative names
+/// against the current directory), else by its file name in the program
+/// directory, in the directory that the environment variable
+/// VANTORTL_MSGDIR names, and in the installed share/vantortl/<language>/
+/// beside this library (<language> "en" for an English locale, else "de").
+/// A file found there that is no library ends the search and is reported
+/// as damaged with the reader's status; when none is found, the report
+/// names every place looked at.
 VANTO_API bool Vnt_MsgItfInit(VNT_HINSTANCE instance, long titleId,
                               const char* systemLibraryName = nullptr);
 /// Ends the message interface.
@@ -200,9 +208,11 @@ VANTO_API VNT_HINSTANCE Vnt_ResLibInstance();
 /// Loads string `id` of `module` into buf (at most size - 1 characters); false
 /// when there is none.
 VANTO_API bool Vnt_ResLoadString(VNT_HINSTANCE module, long id, char* buf, unsigned size);
-/// Language of the library's own strings and box captions: "DEU" (the
-/// default) or "ENU"; any text beginning with "EN" (either case) is English,
-/// every other German.
+/// Language of the library's own strings and box captions: "DEU" or "ENU";
+/// any text beginning with "EN" (either case) is English, every other
+/// German. Until the application sets one, the language is that of the
+/// system message library (its message 62000) once it is open, German
+/// before.
 VANTO_API void Vnt_ResSetLanguage(const char* lang);
 /// The language in use: "DEU" or "ENU".
 VANTO_API const char* Vnt_ResLanguage();

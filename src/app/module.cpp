@@ -12,6 +12,7 @@
 #include "base/strbuf.h"
 #include "host/host.h"
 #include "vanto/app.h"
+#include "vanto/vtm.h"
 #include "vanto/ini.h"
 #include "vanto/lfn.h"
 #include "vanto/msg.h"
@@ -30,10 +31,28 @@ constexpr long kMsgNoModule = 60296;        // module number
 constexpr long kMsgOptionalFailed = 60297;  // display name, text of 60295
 constexpr long kMsgLoadFailed = 60298;      // display name, text of 60295
 constexpr long kMsgNoEntry = 60299;         // function, display name
+constexpr long kMsgNoTable = 60292;         // file, reader's status, its meaning
 constexpr unsigned kAskBeforeLoad = 0x7F13;
 
 // The help commands of a help module's line, as the old help engine knew them.
 constexpr int kHelpContext = 1, kHelpContents = 3, kHelpFinder = 11, kHelpPartialKey = 261;
+
+/*
+ * True when there is no module table. After a load that failed, the first
+ * use says so once, naming the file and the reader's status, and later uses
+ * are refused without a word; without a load tried it is internal error
+ * `code` each time.
+ */
+bool noTable(int code, int line) {
+    ModState& st = modState();
+    if (st.table && st.count >= 1) return false;
+    if (st.tableStatus == 0) return vnt::app::modInternalError(true, code, line);
+    if (!st.tableReported) {
+        st.tableReported = true;
+        Vnt_MsgSys(kMsgNoTable, st.tableFile.c_str(), st.tableStatus, Vnt_VtmStatusText(st.tableStatus));
+    }
+    return true;
+}
 
 std::string progDir() {
     char dir[VNT_MAX_PATH];
@@ -347,9 +366,22 @@ bool loadModuleTable() {
     ModState& st = modState();
     if (st.table) return true;
     VntIni ini("Modules.vtm", nullptr, VNTINI_APP | VNTINI_ACCESS_RO);
-    if (!ini.Open(nullptr, VNTINI_KEEP, false)) return false;
-    const long count = ini.CountEntries();
-    if (count < 1) return false;
+    // A damaged file is told about once, when a module is asked for: it is
+    // tried by the reader first, whose own report would end the process
+    // when it is not confirmed.
+    VNT_VTM_REPORT old = Vnt_VtmSetReport([](const char*) -> VNT_RESP { return VNT_RESP_OK; });
+    VNT_MSG probe = Vnt_VtmOpen(ini.File());
+    long status = Vnt_VtmStatus();
+    if (probe) Vnt_VtmClose(probe);
+    Vnt_VtmSetReport(old);
+    const bool opened = probe && ini.Open(nullptr, VNTINI_KEEP, false);
+    if (probe && !opened) status = Vnt_VtmStatus();
+    const long count = opened ? ini.CountEntries() : 0;
+    if (count < 1) {
+        st.tableFile = ini.File();
+        st.tableStatus = opened ? VNT_VTM_E_EMPTY : (status ? status : VNT_VTM_E_OPEN);
+        return false;
+    }
     auto* table = new (std::nothrow) VNT_APP_MODINFOEX[static_cast<std::size_t>(count) + 1]();
     if (table == nullptr) return false;
     for (long i = 0; i < count && ini.ReadStr(nullptr, 0); ++i) {
@@ -377,7 +409,7 @@ using vnt::app::findRecord;
 
 const VNT_APP_MODINFOEX* Vnt_AppModInfoEx(long module) {
     ModState& st = modState();
-    if (MOD_IE(st.table == nullptr || st.count < 1, 3)) return nullptr;
+    if (noTable(3, __LINE__)) return nullptr;
     const long long n = module;
     if (n == VNT_APP_MODINFO_FIRST || n == 0x80000000LL) {
         st.cursor = 0;
@@ -397,7 +429,7 @@ const VNT_APP_MODINFO* Vnt_AppModInfo(long module) {
 bool Vnt_AppModLoad(long module, long arg1, long arg2, bool search) {
     ModState& st = modState();
     st.current = nullptr;
-    if (MOD_IE(st.table == nullptr, 4)) return false;
+    if (noTable(4, __LINE__)) return false;
     if (module == VNT_APP_MOD_DISABLE_LIST) {
         for (const long* n = reinterpret_cast<const long*>(arg1); n && *n >= 1; ++n) {
             VNT_APP_MODINFOEX* r = nullptr;

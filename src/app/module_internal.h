@@ -31,6 +31,11 @@ struct ModState {
     const char* defaultFunction = "";
     long stack[kStackSize] = {};
     int top = -1;
+    // The last load of the table that failed: its file, the reader's status
+    // (0: no load tried yet), and whether that was reported already.
+    std::string tableFile;
+    long tableStatus = 0;
+    bool tableReported = false;
 };
 ModState& modState();
 

@@ -12,6 +12,7 @@
 #include "base/strbuf.h"
 #include "db/db_state.h"
 #include "db/odbc.h"
+#include "host/host.h"
 #include "vanto/app.h"
 #include "vanto/db.h"
 #include "vanto/dsn.h"
@@ -27,6 +28,7 @@ constexpr const char* kBuilderSource = "StaticLow/Connect";
 constexpr const char* kRegistrySource = "dsn/DsnIni";
 constexpr unsigned kConnectionChanged = 0x7F15;
 constexpr long kMsgDefaultConnect = 60300;  // the connect string when none is given
+constexpr long kMsgNoClients = 60350;       // the client list (path)
 constexpr long kMsgPathMissing = 60358;     // path
 constexpr long kMsgDiscardChanges = 60359;
 constexpr int kConnectLimit = 2047;
@@ -279,7 +281,17 @@ bool Vnt_DlgDsn(const char* text, VntDatabase** connection, bool restore, bool d
         if (!isOpen()) break;
     }
     if (connection) *connection = st().connection;
-    if (!isOpen()) Vnt_AppMainExitApplication(2);
+    if (!isOpen()) {
+        // A list without clients is the likely cause: said with its name.
+        std::string why = "no client could be connected";
+        DsnIni registry;
+        if (registry.LoadSettings() && registry.LoadEntries() && registry.Count() == 0) {
+            Vnt_MsgSys(kMsgNoClients, registry.File());
+            why = why + ": the client list \"" + registry.File() + "\" names no client";
+        }
+        vnt::host::writeExitReason(2, why);
+        Vnt_AppMainExitApplication(2);
+    }
     return ok;
 }
 

@@ -144,6 +144,16 @@ std::string programFile();
 /// Makes programFile() answer `libPath` ("" = the real one again). For tests
 /// and for programs whose files lie elsewhere than their executable.
 void setProgramFile(const std::string& libPath);
+/// Library path of the file that holds this library's code (the shared
+/// library, or the program it is linked into); empty when it cannot be told.
+std::string libraryFile();
+/// Makes libraryFile() answer `libPath` ("" = the real one again). For tests.
+void setLibraryFile(const std::string& libPath);
+/// Writes "<program>: exit code <code>: <reason>" as one line to standard
+/// error (line ends in `reason` become spaces; Windows-1252 in). Said by
+/// the library before it ends the process with a failure code, so that a
+/// program without a terminal never ends silently.
+void writeExitReason(int code, const std::string& reason);
 
 /// Loaded module libraries (src/host/posix/host_module.cpp). A module
 /// handle is what the host's loader gave (dlopen on POSIX).

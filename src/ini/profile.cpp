@@ -16,6 +16,7 @@
 #include "host/host.h"
 #include "ini/ini_stream.h"
 #include "vanto/ini.h"
+#include "vanto/msg.h"
 #include "vanto/text.h"
 
 namespace vnt::ini {
@@ -131,11 +132,14 @@ struct Doc {
 };
 
 // One cached file, under the library path it was asked for by.
+constexpr long kMsgCannotWrite = 60002;  // file, the system's error text
+
 struct Cached {
     std::string host;   // the host path it resolved to
     std::string base;   // its last component, to match notifications
     int watch = 0;      // watch id of its directory; 0 = compare stamps
     bool stale = true;  // must be read again
+    bool toldUnwritable = false;  // a failed write was reported
     host::FileStamp stamp;
     Doc doc;
 };
@@ -422,6 +426,11 @@ bool Vnt_ProfileWriteString(const char* section, const char* key, const char* va
     for (const std::string& l : lines) out.append(l).append("\r\n");
     if (!vnt::host::writeFileAtomic(file, out)) {
         unsigned long err = vnt::host::lastError();
+        // A read-only installation: said once per file, not lost silently.
+        if (!c->toldUnwritable) {
+            c->toldUnwritable = true;
+            Vnt_MsgSys(kMsgCannotWrite, file, vnt::host::errorText(err ? err : EIO).c_str());
+        }
         vnt::host::setLastError(err ? err : EIO);
         return false;
     }

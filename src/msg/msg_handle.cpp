@@ -2,12 +2,17 @@
 // search for the others), reference counts checked against the init
 // counter, the message interface and the switch counters.
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "base/strbuf.h"
+#include "host/host.h"
 #include "msg/msg_state.h"
 #include "msg/report_internal.h"
+#include "msg/sysmsg.h"
 #include "msg/vtm_internal.h"
 #include "vanto/lfn.h"
+#include "vanto/text.h"
 
 namespace vnt::msg {
 
@@ -15,10 +20,29 @@ bool alive(VNT_MSG lib) { return lib && vtm::state().live.count(lib) != 0; }
 
 namespace {
 
-// Reports a library that could not be opened, unless switched off.
-void reportNotFound(const char* name) {
+// Where a search looked, and the first file that was there but could not
+// be read as a library.
+struct Search {
+    std::string name;                 // what was asked for
+    std::vector<std::string> places;  // every file tried
+    std::string damaged;              // a file that is no (readable) library
+    long status = 0;                  // the reader's status for it
+};
+
+// Reports a library that could not be opened, unless switched off: one
+// that is not there with every place looked at, a damaged one with the
+// reader's status.
+void reportNotFound(const Search& s) {
     if (textState().notFoundOff > 0) return;
-    Vnt_MsgH(nullptr, "!Could not find Message Library \"%s\"", name && *name ? name : "(unknown)");
+    if (!s.damaged.empty()) {
+        Vnt_MsgH(nullptr, "!Message Library \"%s\" is damaged: status %ld (%s)", s.damaged.c_str(), s.status,
+                 Vnt_VtmStatusText(s.status));
+        return;
+    }
+    std::string where;
+    for (const std::string& p : s.places) (where += where.empty() ? "" : "; ") += p;
+    Vnt_MsgH(nullptr, "!Could not find Message Library \"%s\"\nLooked for: %s",
+             s.name.empty() ? "(unknown)" : s.name.c_str(), where.empty() ? "(nowhere)" : where.c_str());
 }
 
 // The name with "VTM" added when it has no extension, cut at 259 characters.
@@ -29,30 +53,99 @@ void withExtension(VNT_PATH& out, const char* name) {
     if (!ext[0]) Vnt_LfnNameExtAdd(out, "VTM");
 }
 
+// Opens `path`; true when the search ends here (opened, or there but damaged).
+bool tryOpen(const char* path, Search& s, VNT_MSG& lib) {
+    lib = Vnt_VtmOpen(path);
+    if (lib) return true;
+    VNT_PATH shown;
+    vnt::copyBounded(shown, path);
+    Vnt_LfnNameComplete(shown);
+    if (Vnt_VtmStatus() == VNT_VTM_E_OPEN) {
+        s.places.push_back(shown);
+        return false;
+    }
+    s.damaged = shown;
+    s.status = Vnt_VtmStatus();
+    return true;
+}
+
+// `base` in `dir` (a directory in the library's grammar).
+bool tryIn(const char* dir, const char* base, Search& s, VNT_MSG& lib) {
+    VNT_PATH path;
+    return Vnt_LfnNameMake(path, dir, base, nullptr) && tryOpen(path, s, lib);
+}
+
+// The language directory of the installed system libraries: "en" for an
+// English locale, else "de".
+const char* installedLanguage() {
+    std::string lang;
+    if (vnt::host::intlValue("sLanguage", lang) && lang.size() >= 2 && (lang[0] == 'E' || lang[0] == 'e') &&
+        (lang[1] == 'N' || lang[1] == 'n'))
+        return "en";
+    return "de";
+}
+
 /*
  * Opens a main library by name: as it stands (current directory or a full
- * path), then, unless it is the system library, by its file name in the
- * program directory and two and four levels above it. A file that is there
- * but cannot be read ends the search: the first hit counts.
+ * path), then by its file name in the program directory. Other libraries are
+ * looked for two and four levels above the program directory as well; the
+ * system library, which an installation need not copy beside the program,
+ * in the directory named by VANTORTL_MSGDIR and in the installed
+ * share/vantortl/<language>/ of this library. A file that is there but
+ * cannot be read ends the search: the first hit counts.
  */
-VNT_MSG openByName(const char* name, bool system) {
+VNT_MSG openByName(const char* name, bool system, Search& s) {
     VNT_PATH file;
     withExtension(file, name);
-    VNT_MSG lib = Vnt_VtmOpen(file);
-    if (lib || system || Vnt_VtmStatus() != VNT_VTM_E_OPEN) return lib;
+    s.name = name;
+    VNT_MSG lib = nullptr;
+    if (tryOpen(file, s, lib)) return lib;
 
     VNT_PATH base, dir;
     Vnt_LfnNameSplit(file, nullptr, base, nullptr);
-    if (!base[0] || !Vnt_LfnProgDirName(dir, sizeof dir)) return nullptr;
-    for (const char* up : {".", "..\\..", "..\\..\\..\\.."}) {
-        VNT_PATH where, path;
-        Vnt_LfnNameMake(where, dir, up, nullptr);
-        if (!Vnt_LfnNameMakeAbs(where)) continue;  // above the root
-        if (!Vnt_LfnNameMake(path, where, base, nullptr)) continue;
-        lib = Vnt_VtmOpen(path);
-        if (lib || Vnt_VtmStatus() != VNT_VTM_E_OPEN) return lib;
+    if (!base[0]) return nullptr;
+    const bool haveDir = Vnt_LfnProgDirName(dir, sizeof dir);
+    if (!system) {
+        if (!haveDir) return nullptr;
+        for (const char* up : {".", "..\\..", "..\\..\\..\\.."}) {
+            VNT_PATH where;
+            Vnt_LfnNameMake(where, dir, up, nullptr);
+            if (!Vnt_LfnNameMakeAbs(where)) continue;  // above the root
+            if (tryIn(where, base, s, lib)) return lib;
+        }
+        return nullptr;
     }
+    if (haveDir && tryIn(dir, base, s, lib)) return lib;
+    std::string named;
+    VNT_PATH envDir;
+    if (vnt::host::envValue(kSysLibDirVariable, named) && !named.empty() &&
+        Vnt_LfnFromHost(envDir, Vnt_TxtToUtf8(named).c_str()) && tryIn(envDir, base, s, lib))
+        return lib;
+    const std::string code = vnt::host::libraryFile();
+    std::string fromLib = VANTO_SHARE_FROM_LIB;  // set by the build: "../share/vantortl"
+    for (char& c : fromLib) c = c == '/' ? '\\' : c;
+    VNT_PATH codeDir = {}, shared;
+    if (!code.empty()) Vnt_LfnNameSplit(code.c_str(), codeDir, nullptr, nullptr);
+    if (codeDir[0] && Vnt_LfnNameMake(shared, codeDir, fromLib.c_str(), nullptr) &&
+        Vnt_LfnNameMake(shared, shared, installedLanguage(), nullptr) && Vnt_LfnNameMakeAbs(shared) &&
+        tryIn(shared, base, s, lib))
+        return lib;
     return nullptr;
+}
+
+/*
+ * The library's own strings and the box captions speak the system
+ * library's language (its message 62000, "DEU" or "ENU"), unless the
+ * application chose one. A library without that message changes nothing.
+ */
+void takeLanguage(VNT_MSG sys) {
+    TextState& st = textState();
+    if (st.languageSet) return;
+    const int quiet = Vnt_VtmSwQuiet(1);  // no "not found" report for an older library
+    const std::string lang = Vnt_VtmRead(sys, sys::kLanguage);
+    const bool found = Vnt_VtmStatus() == 0;
+    Vnt_VtmSwQuiet(quiet);
+    if (found && lang.size() >= 2) st.english = (lang[0] == 'E' || lang[0] == 'e') && (lang[1] == 'N' || lang[1] == 'n');
 }
 
 /*
@@ -62,11 +155,13 @@ VNT_MSG openByName(const char* name, bool system) {
 VNT_MSG takeSystem() {
     TextState& st = textState();
     if (!alive(st.sys)) {
-        st.sys = openByName(st.sysName.c_str(), true);
+        Search search;
+        st.sys = openByName(st.sysName.c_str(), true, search);
         if (!st.sys) {
-            reportNotFound(st.sysName.c_str());
+            reportNotFound(search);
             return nullptr;
         }
+        takeLanguage(st.sys);
     } else {
         st.sys->refCount++;
     }
@@ -111,9 +206,10 @@ VNT_MSG Vnt_MsgHInit(VNT_MSG parent, const char* name) {
     }
     VNT_MSG sys = takeSystem();
     if (!name || !sys) return sys;
-    VNT_MSG lib = openByName(name, false);
+    Search search;
+    VNT_MSG lib = openByName(name, false, search);
     if (!lib) {
-        reportNotFound(name);
+        reportNotFound(search);
         dropSystem();
         return nullptr;
     }

@@ -14,6 +14,8 @@ namespace vnt::msg {
 // Source names given to internal error reports of these files.
 inline constexpr const char* kSourceMsg = "Msg/Vnt_msg";
 inline constexpr const char* kSourceAppMsg = "App/Vnt_AppMsg";
+// The environment variable that names a directory holding the system library.
+inline constexpr const char* kSysLibDirVariable = "VANTORTL_MSGDIR";
 
 struct TextState {
     // Handles.
@@ -49,6 +51,7 @@ struct TextState {
     // Resource strings registered by modules; the library's own language.
     std::map<VNT_HINSTANCE, std::map<long, std::string>> res;
     bool english = false;
+    bool languageSet = false;  // by the application; else the system library's
 };
 
 TextState& textState();

@@ -222,6 +222,7 @@ int Vnt_ExceptHandleException__(const char* sourceFile, int line, const VNT_EXCE
     // The four-argument form: the text is final, no formatting on the way.
     const VNT_RESP r = Vnt_MsgBox(text.c_str(), nullptr, nullptr, false);
     if (r == VNT_RESP_CANCEL) {
+        vnt::host::writeExitReason(3, "an exception report was answered Abort: " + text);
         Vnt_AppMainExitApplication(3);
     }
     return r == VNT_RESP_OK ? -1 : 0;

@@ -69,6 +69,7 @@ bool Vnt_ResLoadString(VNT_HINSTANCE module, long id, char* buf, unsigned size) 
 
 void Vnt_ResSetLanguage(const char* lang) {
     textState().english = lang && (lang[0] == 'E' || lang[0] == 'e') && (lang[1] == 'N' || lang[1] == 'n');
+    textState().languageSet = true;
 }
 
 const char* Vnt_ResLanguage() { return textState().english ? "ENU" : "DEU"; }

@@ -20,6 +20,7 @@ namespace vnt::msg::sys {
 inline constexpr long kExceptContext = 32905;    // default context of an exception report
 inline constexpr long kExceptReport = 60450;     // the exception report
 inline constexpr long kExceptAccess = 60451;     // name of an access violation
+inline constexpr long kLanguage = 62000;         // the library's language: "DEU" or "ENU"
 inline constexpr long kDetails = 62001;          // details page template
 inline constexpr long kInternalError = 62002;    // internal error report
 inline constexpr long kInternalDesc = 62003;     // description of other codes
@@ -51,6 +52,7 @@ inline constexpr SysMsg kSysMsgs[] = {
     {34503, "s", Box::Ok, "file fit: file not found (display name)"},
     {60000, "s", Box::Ok, "volume cannot be reached (volume or path)"},
     {60001, "s", Box::Ok, "not enough free space (volume)"},
+    {60002, "ss", Box::Ok, "configuration file cannot be written (file, error text)"},
     {60022, "ss", Box::None, "file copy progress: copying (source, target)"},
     {60023, "ss", Box::None, "file copy progress: scanning (source, target)"},
     {60024, "s", Box::None, "file copy progress: skipped (target)"},
@@ -59,6 +61,7 @@ inline constexpr SysMsg kSysMsgs[] = {
     {60285, "s", Box::YesNo, "module loader: close the exclusive module? (description)"},
     {60290, "s", Box::None, "module version too old, main window (module file), report"},
     {60291, "s", Box::None, "module version too old, no main window (module file), report"},
+    {60292, "sls", Box::Ok, "module table unreadable (file, reader's status, its meaning)"},
     {60295, "lss", Box::None, "module load failure (error code, system text, file)"},
     {60296, "l", Box::Ok, "no module of that number (module number)"},
     {60297, "ss", Box::None, "optional module not loaded (display name, text of 60295), report"},
@@ -68,6 +71,7 @@ inline constexpr SysMsg kSysMsgs[] = {
     {60310, "sss", Box::Ok, "database call failed (what was done, SQLSTATE, driver's text)"},
     {60311, "s", Box::Ok, "records cannot be changed: no single table with a key (table or query)"},
     {60312, "sl", Box::Ok, "change touched no record or several (table, records touched)"},
+    {60350, "s", Box::Ok, "client list names no client (path)"},
     {60351, "s", Box::Ok, "client list missing (path)"},
     {60352, "s", Box::Ok, "client entry dialog: name already in the list (name)"},
     {60353, "", Box::Ok, "client entry dialog: no path given"},
@@ -82,6 +86,7 @@ inline constexpr SysMsg kSysMsgs[] = {
     {60451, "sp", Box::None, "access violation name (name, address accessed)"},
     {60500, "s", Box::AbortRetryIgnore, "configuration file cannot be deleted (file)"},
     {60501, "ss", Box::RetryCancel, "configuration file cannot be renamed (temporary, file)"},
+    {62000, "", Box::None, "the library's language (DEU or ENU)"},
     {62001, "ssd", Box::None, "details page (description, source file, line)"},
     {62002, "ds", Box::None, "internal error report (code, description)"},
     {62003, "", Box::None, "internal error description of other codes (at most 59 characters)"},

@@ -8,6 +8,7 @@
 
 #include "base/names.h"
 #include "base/strbuf.h"
+#include "host/host.h"
 #include "msg/vtm_internal.h"
 #include "vanto/app.h"
 
@@ -74,7 +75,10 @@ void report(const std::string& detail) {
     std::string text = "!VTMINTRF: Internal Error.\n" + detail;
     VNT_VTM_REPORT hook = s.report ? s.report : defaultReport;
     // An answer other than OK ends the process at once; kept for compatibility.
-    if (hook(text.c_str()) != VNT_RESP_OK) Vnt_AppMainExitApplication(3);
+    if (hook(text.c_str()) != VNT_RESP_OK) {
+        vnt::host::writeExitReason(3, "a report was not confirmed: " + text.substr(1));
+        Vnt_AppMainExitApplication(3);
+    }
     s.msgBuf[0] = '\0';
 }
 

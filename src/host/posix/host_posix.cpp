@@ -16,6 +16,7 @@
 #include <vector>
 
 #include <dirent.h>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -32,6 +33,7 @@ struct HostState {
     int curVol = 'Z' - 'A';        // current volume
     int faultAt[static_cast<int>(Op::Count)] = {};  // countdown per operation; 0 = none
     std::string programFile;       // set by setProgramFile; "" = ask the system
+    std::string libraryFile;       // set by setLibraryFile; "" = ask the loader
 };
 
 HostState& state() {
@@ -386,14 +388,39 @@ std::string errorText(unsigned long code) { return std::strerror(static_cast<int
 
 std::string lastErrorText() { return std::strerror(errno); }
 
-std::string programFile() {
-    if (!state().programFile.empty()) return state().programFile;
+namespace {
+std::string runningExecutable() {
     std::string buf(4096, '\0');
     ssize_t n = ::readlink("/proc/self/exe", buf.data(), buf.size() - 1);
     if (n <= 0) return {};
     buf.resize(static_cast<std::size_t>(n));
     std::string lib;
     return fromHost(buf.c_str(), lib) ? lib : std::string();
+}
+}  // namespace
+
+std::string programFile() {
+    if (!state().programFile.empty()) return state().programFile;
+    return runningExecutable();
+}
+
+std::string libraryFile() {
+    if (!state().libraryFile.empty()) return state().libraryFile;
+    Dl_info info{};
+    if (::dladdr(reinterpret_cast<void*>(&libraryFile), &info) == 0 || !info.dli_fname) return {};
+    // Linked into the program itself, the loader names it as it was started.
+    if (info.dli_fname[0] != '/') return runningExecutable();
+    std::string lib;
+    return fromHost(info.dli_fname, lib) ? lib : std::string();
+}
+
+void writeExitReason(int code, const std::string& reason) {
+    std::string program = programFile();
+    if (const std::size_t cut = program.find_last_of("\\:"); cut != std::string::npos) program.erase(0, cut + 1);
+    std::string line = (program.empty() ? std::string("vantortl") : program) + ": exit code " + std::to_string(code) + ": ";
+    for (const char c : reason) line += (c == '\n' || c == '\r') ? ' ' : c;
+    while (!line.empty() && line.back() == ' ') line.pop_back();
+    writeStderr(Vnt_TxtToUtf8(line) + "\n");
 }
 
 // ---------------------------------------------------------------------------
@@ -429,6 +456,7 @@ bool readLine(std::string& line) {
 // ---------------------------------------------------------------------------
 
 void setProgramFile(const std::string& libPath) { state().programFile = libPath; }
+void setLibraryFile(const std::string& libPath) { state().libraryFile = libPath; }
 
 void faultAt(Op op, int nth) { state().faultAt[static_cast<int>(op)] = nth > 0 ? nth : 0; }
 
