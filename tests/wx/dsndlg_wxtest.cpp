@@ -39,6 +39,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using vnt::wxtest::picture;
 using vnt::wxtest::pump;
 using vnt::wxtest::pumpUntil;
 using vnt::wxtest::soon;
@@ -470,31 +471,7 @@ void checkAccessKeys(wxWindow* dlg, const std::string& where) {
     walk(dlg);
 }
 
-std::string shotDir() {
-    const fs::path exe(std::string(wxStandardPaths::Get().GetExecutablePath().utf8_str()));
-    const fs::path dir = exe.parent_path().parent_path() / "shots";
-    fs::create_directories(dir);
-    return dir.string();
-}
 
-// The window as the screen shows it, as a PNG; the file's path.
-std::string picture(wxWindow* w, const std::string& name) {
-    if (!wxImage::FindHandler(wxBITMAP_TYPE_PNG)) wxImage::AddHandler(new wxPNGHandler);
-    w->Raise();
-    w->Refresh();
-    w->Update();
-    pump(150);
-    const wxSize size = w->GetSize();
-    wxBitmap bmp(size);
-    {
-        wxWindowDC from(w);
-        wxMemoryDC to(bmp);
-        to.Blit(0, 0, size.x, size.y, &from, 0, 0);
-    }
-    const std::string file = shotDir() + "/" + name + ".png";
-    EXPECT_TRUE(bmp.SaveFile(wxString::FromUTF8(file), wxBITMAP_TYPE_PNG)) << file;
-    return file;
-}
 
 TEST_F(ClientDialogs, PicturesOfEveryDialogInBothLanguages) {
     struct Lang { const char* code; std::vector<std::string> titles; };

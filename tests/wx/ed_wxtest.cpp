@@ -28,6 +28,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
+using vnt::wxtest::picture;
 using vnt::wxtest::pump;
 using vnt::wxtest::pumpUntil;
 
@@ -389,27 +390,6 @@ TEST_F(EdWx, ExchangeWithRecordSetFields) {
     fs::remove_all(dir);
 }
 
-// The dialog as the screen shows it, as a PNG; the file's path.
-std::string picture(wxWindow* w, const std::string& name) {
-    if (!wxImage::FindHandler(wxBITMAP_TYPE_PNG)) wxImage::AddHandler(new wxPNGHandler);
-    w->Raise();
-    w->Refresh();
-    w->Update();
-    pump(150);
-    const wxSize size = w->GetSize();
-    wxBitmap bmp(size);
-    {
-        wxWindowDC from(w);
-        wxMemoryDC to(bmp);
-        to.Blit(0, 0, size.x, size.y, &from, 0, 0);
-    }
-    const fs::path exe(std::string(wxStandardPaths::Get().GetExecutablePath().utf8_str()));
-    const fs::path dir = exe.parent_path().parent_path() / "shots";
-    fs::create_directories(dir);
-    const std::string file = (dir / (name + ".png")).string();
-    EXPECT_TRUE(bmp.SaveFile(wxString::FromUTF8(file), wxBITMAP_TYPE_PNG)) << file;
-    return file;
-}
 
 TEST_F(EdWx, PicturesInBothLanguages) {
     // German: as the resource stands.

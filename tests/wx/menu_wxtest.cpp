@@ -359,25 +359,16 @@ TEST_F(Menus, F9AndCtrlF10KeepTheFrameAndTheItemsInStep) {
     EXPECT_EQ(state(), "min maxItem=on minItem=off restore=on") << "mode 2 toggles";
 }
 
-std::string shotDir() {
-    const fs::path exe(std::string(wxStandardPaths::Get().GetExecutablePath().utf8_str()));
-    const fs::path dir = exe.parent_path().parent_path() / "shots";
-    fs::create_directories(dir);
-    return dir.string();
-}
 
 // The screen's top-left part, with the menu that is open.
 std::string screenPicture(const wxSize& size, const std::string& name) {
-    if (!wxImage::FindHandler(wxBITMAP_TYPE_PNG)) wxImage::AddHandler(new wxPNGHandler);
     wxBitmap bmp(size);
     {
         wxScreenDC from;
         wxMemoryDC to(bmp);
         to.Blit(0, 0, size.x, size.y, &from, 0, 0);
     }
-    const std::string file = shotDir() + "/" + name + ".png";
-    EXPECT_TRUE(bmp.SaveFile(wxString::FromUTF8(file), wxBITMAP_TYPE_PNG)) << file;
-    return file;
+    return vnt::wxtest::savePicture(bmp, name);
 }
 
 TEST_F(Menus, PicturesOfAFrameWithItsSystemMenuInBothLanguages) {

@@ -27,23 +27,7 @@ using vnt::wxtest::pump;
 namespace {
 
 std::string shot(wxWindow* w, const std::string& name) {
-    if (!wxImage::FindHandler(wxBITMAP_TYPE_PNG)) wxImage::AddHandler(new wxPNGHandler);
-    const fs::path exe(std::string(wxStandardPaths::Get().GetExecutablePath().utf8_str()));
-    const fs::path dir = exe.parent_path().parent_path() / "shots";
-    fs::create_directories(dir);
-    w->Raise();
-    w->Refresh();
-    w->Update();
-    pump(150);
-    const wxSize size = w->GetSize();
-    wxBitmap bmp(size);
-    {
-        wxWindowDC from(w);
-        wxMemoryDC to(bmp);
-        to.Blit(0, 0, size.x, size.y, &from, 0, 0);
-    }
-    const std::string file = (dir / (name + ".png")).string();
-    EXPECT_TRUE(bmp.SaveFile(wxString::FromUTF8(file), wxBITMAP_TYPE_PNG)) << file;
+    const std::string file = vnt::wxtest::picture(w, name);
     std::printf("picture: %s\n", file.c_str());
     return file;
 }

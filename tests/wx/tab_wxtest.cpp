@@ -33,6 +33,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
+using vnt::wxtest::picture;
 using vnt::wxtest::pump;
 using vnt::wxtest::pumpUntil;
 
@@ -688,30 +689,7 @@ TEST_F(RecordView, DeletedRecordAsksItsOwnQuestion) {
 // Pictures
 // ---------------------------------------------------------------------------
 
-std::string shotDir() {
-    const fs::path exe(std::string(wxStandardPaths::Get().GetExecutablePath().utf8_str()));
-    const fs::path dir = exe.parent_path().parent_path() / "shots";
-    fs::create_directories(dir);
-    return dir.string();
-}
 
-std::string picture(wxWindow* w, const std::string& name) {
-    if (!wxImage::FindHandler(wxBITMAP_TYPE_PNG)) wxImage::AddHandler(new wxPNGHandler);
-    w->Raise();
-    w->Refresh();
-    w->Update();
-    pump(150);
-    const wxSize size = w->GetSize();
-    wxBitmap bmp(size);
-    {
-        wxWindowDC from(w);
-        wxMemoryDC to(bmp);
-        to.Blit(0, 0, size.x, size.y, &from, 0, 0);
-    }
-    const std::string file = shotDir() + "/" + name + ".png";
-    EXPECT_TRUE(bmp.SaveFile(wxString::FromUTF8(file), wxBITMAP_TYPE_PNG)) << file;
-    return file;
-}
 
 TEST_F(RecordView, PicturesOfTheRecordViewInBothLanguages) {
     VntIntlTable de{{"sShortDate", "dd.MM.yyyy"}, {"sDecimal", ","}, {"sThousand", "."}, {"iCurrDigits", "2"}};

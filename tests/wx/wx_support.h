@@ -5,10 +5,16 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <string>
 
 #include <wx/app.h>
+#include <wx/bitmap.h>
+#include <wx/dcclient.h>
+#include <wx/dcmemory.h>
+#include <wx/image.h>
+#include <wx/stdpaths.h>
 #include <wx/toplevel.h>
 #include <wx/utils.h>
 
@@ -63,5 +69,37 @@ protected:
     }
     VNT_MSG sys_ = nullptr;
 };
+
+/// The folder of the window pictures: "shots" in the build tree.
+inline std::string shotDir() {
+    const std::filesystem::path exe(std::string(wxStandardPaths::Get().GetExecutablePath().utf8_str()));
+    const std::filesystem::path dir = exe.parent_path().parent_path() / "shots";
+    std::filesystem::create_directories(dir);
+    return dir.string();
+}
+
+/// Saves `bmp` as shots/`name`.png; the file's path.
+inline std::string savePicture(const wxBitmap& bmp, const std::string& name) {
+    if (!wxImage::FindHandler(wxBITMAP_TYPE_PNG)) wxImage::AddHandler(new wxPNGHandler);
+    const std::string file = shotDir() + "/" + name + ".png";
+    EXPECT_TRUE(bmp.SaveFile(wxString::FromUTF8(file), wxBITMAP_TYPE_PNG)) << file;
+    return file;
+}
+
+/// The window as the screen shows it, saved as shots/`name`.png; the file's path.
+inline std::string picture(wxWindow* w, const std::string& name) {
+    w->Raise();
+    w->Refresh();
+    w->Update();
+    pump(150);
+    const wxSize size = w->GetSize();
+    wxBitmap bmp(size);
+    {
+        wxWindowDC from(w);
+        wxMemoryDC to(bmp);
+        to.Blit(0, 0, size.x, size.y, &from, 0, 0);
+    }
+    return savePicture(bmp, name);
+}
 
 }  // namespace vnt::wxtest
