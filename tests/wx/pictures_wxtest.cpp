@@ -116,7 +116,8 @@ TEST_F(Pictures, EveryWindowInBothLanguages) {
             fits(view->Confirm(), "confirm");
             shot(view->Confirm(), "progress_confirm_30063_" + lang);
             EXPECT_EQ(view->Confirm()->GetTitle(), "Kopieren");
-            view->Confirm()->ProcessWindowEvent(*new wxCommandEvent(wxEVT_BUTTON, wxID_YES));
+            wxCommandEvent yes(wxEVT_BUTTON, wxID_YES);
+            view->Confirm()->ProcessWindowEvent(yes);
             EXPECT_TRUE(stat.IsCancel()) << "the close counted as a confirmed Cancel";
         }
         VNTDLG_DLGINFO where{};

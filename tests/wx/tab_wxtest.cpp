@@ -140,9 +140,11 @@ struct Form {
         return owned.back().get();
     }
     bool setup(long initial = 0) {
-        for (auto& p : owned) p.release();  // the notebook owns created pages
         table.push_back({0, nullptr, 0});
         const bool ok = view.m_tab.AddItems(panel, 1000, table.data(), &view, initial);
+        // The notebook owns the pages it created; refused ones stay ours.
+        for (auto& p : owned)
+            if (p->GetHandle() != nullptr) p.release();
         panel->Layout();
         view.OnActivate(true);
         pump(60);
