@@ -2,6 +2,7 @@
 // entry dialogs' OK on a real "dsn.ini" (the whole file compared after the
 // list is saved), the user's choices in "User.ini", the client installation
 // and set-up modules, and the directory tree's listing.
+#include "dsn_lists.h"
 #include "conn_fixture.h"
 
 #include "vanto/app.h"
@@ -18,20 +19,7 @@ const vnt::test::ConnBackend kSqlite{"Sqlite", {"DsnPathSpec=Database", "DsnDBFi
                                      "SQLite3", [](std::string&) { return vnt::test::ConnBackend::Ready::Yes; },
                                      [](int) { return std::vector<std::string>{}; }};
 
-using Client = std::vector<std::string>;  // the lines of a client section
-const Client kM{"*=M\xFCller GmbH", "DtaPth=T:\\Daten\\M1"};
-const Client kS{"*=Schulze KG", "DtaPth=T:\\Daten\\M2"};
-const Client kK{"*=Kaputt", "DtaPth=T:\\Daten\\M3", "Driver=NoSuchDriver"};
-
-// The whole text of "dsn.ini" with these clients.
-std::string listText(const std::vector<Client>& clients) {
-    std::string t = "[Settings]\r\nDefaultDriver=SQLite3\r\nCount=" + std::to_string(clients.size()) + "\r\n";
-    for (std::size_t i = 0; i < clients.size(); ++i) {
-        t += "[Dsn" + std::to_string(i + 1) + "]\r\n";
-        for (const std::string& l : clients[i]) t += l + "\r\n";
-    }
-    return t;
-}
+using namespace vnt::test::dsnlist;
 
 class DsnDlg : public vnt::test::Conn {
 protected:

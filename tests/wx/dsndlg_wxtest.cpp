@@ -4,6 +4,7 @@
 // alive, Vnt_DlgDsn through the installed port, and a picture of every
 // dialog in German and English (build tree, folder "shots") whose controls
 // must neither clip their texts nor overlap.
+#include "../dsn_lists.h"
 #include "wx_support.h"
 
 #include "../scratch.h"
@@ -44,19 +45,7 @@ using vnt::wxtest::pump;
 using vnt::wxtest::pumpUntil;
 using vnt::wxtest::soon;
 
-using Client = std::vector<std::string>;
-const Client kM{"*=M\xFCller GmbH", "DtaPth=T:\\Daten\\M1"};
-const Client kS{"*=Schulze KG", "DtaPth=T:\\Daten\\M2"};
-const Client kK{"*=Kaputt", "DtaPth=T:\\Daten\\M3", "Driver=NoSuchDriver"};
-
-std::string listText(const std::vector<Client>& clients) {
-    std::string t = "[Settings]\r\nDefaultDriver=SQLite3\r\nCount=" + std::to_string(clients.size()) + "\r\n";
-    for (std::size_t i = 0; i < clients.size(); ++i) {
-        t += "[Dsn" + std::to_string(i + 1) + "]\r\n";
-        for (const std::string& l : clients[i]) t += l + "\r\n";
-    }
-    return t;
-}
+using namespace vnt::test::dsnlist;
 
 // A dialog of the library shown now, by its resource number.
 template <class T>
