@@ -224,7 +224,7 @@ TEST_F(AppModule, FailuresAndTheirMessages) {
         EXPECT_TRUE(said(text)) << module;
     }
     // A load fault of the host is reported as well.
-    vnt::host::faultAt(vnt::host::Op::Load, 1);
+    vnt::host::faultOn(vnt::host::Op::Load, "*\\ModPlain.*");
     EXPECT_FALSE(Vnt_AppModLoad(lib(dir_ / "ModPlain.dll").c_str(), 0, 0, "ModMain", 0, "Plain"));
     EXPECT_TRUE(said("simulated"));
 }

@@ -125,28 +125,31 @@ TEST_F(FileCopy, FailuresAskAndLeaveTheOldTarget) {
     const std::string data = big(50000), old = "an older target";
     struct Row {
         const char* name;
-        Op op;
-        int nth, answer, code;
+        Op op;          // Op::Count: the disk is full after `skip` bytes
+        const char* on;  // the file the fault hits
+        int skip, answer, code;
         std::size_t result;
         const char* named;   // the file the question names
         std::string target;  // what is left of the target
     };
-    // Opens: the source's time, the source, the target. Reads and writes:
-    // one of each per chunk of 16 384 bytes, so these fail mid-copy.
+    // Reads and writes go in chunks of 16 384 bytes: skipping one fails mid-copy.
+    const char *src = R"(T:\src\a)", *dst = R"(T:\dst\a)";
     const Row rows[] = {
-        {"read error, cancelled", Op::Read, 2, VNT_BTN_CANCEL, VNT_FC_READ, 0, "dst", old},
-        {"write error, cancelled", Op::Write, 3, VNT_BTN_CANCEL, VNT_FC_WRITE, 0, "dst", old},
-        {"write error, answered no", Op::Write, 2, VNT_BTN_NO, VNT_FC_WRITE, 0, "dst", old},
-        {"complete copy cannot take the name", Op::Rename, 1, VNT_BTN_CANCEL, VNT_FC_WRITE, 0, "dst", old},
-        {"complete copy takes the name on retry", Op::Rename, 1, VNT_BTN_RETRY, VNT_FC_OK, data.size(), "dst", data},
-        {"read error, retried", Op::Read, 2, VNT_BTN_RETRY, VNT_FC_OK, data.size(), "dst", data},
-        {"source cannot be opened", Op::Open, 2, VNT_BTN_CANCEL, VNT_FC_SOURCE, 0, "src", old},
-        {"target cannot be opened", Op::Open, 3, VNT_BTN_CANCEL, VNT_FC_TARGET, 0, "dst", old},
+        {"read error, cancelled", Op::Read, src, 1, VNT_BTN_CANCEL, VNT_FC_READ, 0, "dst", old},
+        {"write error, cancelled", Op::Write, dst, 2, VNT_BTN_CANCEL, VNT_FC_WRITE, 0, "dst", old},
+        {"write error, answered no", Op::Write, dst, 1, VNT_BTN_NO, VNT_FC_WRITE, 0, "dst", old},
+        {"disk full mid-copy", Op::Count, dst, 20000, VNT_BTN_CANCEL, VNT_FC_WRITE, 0, "dst", old},
+        {"complete copy cannot take the name", Op::Rename, dst, 0, VNT_BTN_CANCEL, VNT_FC_WRITE, 0, "dst", old},
+        {"complete copy takes the name on retry", Op::Rename, dst, 0, VNT_BTN_RETRY, VNT_FC_OK, data.size(), "dst", data},
+        {"read error, retried", Op::Read, src, 1, VNT_BTN_RETRY, VNT_FC_OK, data.size(), "dst", data},
+        {"source cannot be opened", Op::Open, src, 0, VNT_BTN_CANCEL, VNT_FC_SOURCE, 0, "src", old},
+        {"target cannot be opened", Op::Open, dst, 0, VNT_BTN_CANCEL, VNT_FC_TARGET, 0, "dst", old},
     };
     for (const Row& r : rows) {
         put("src/a", data), put("dst/a", old);
         box_.shown.clear(), box_.answers.push_back({r.answer, false});
-        vnt::host::faultAt(r.op, r.nth);
+        if (r.op == Op::Count) vnt::host::faultShortWrite(r.on, r.skip);
+        else vnt::host::faultOn(r.op, r.on, r.skip);
         VntFileCopy fc;
         EXPECT_EQ(fc.Copy(R"(T:\src\a)", R"(T:\dst\a)"), r.result) << r.name;
         vnt::host::faultReset();
@@ -179,7 +182,7 @@ TEST_F(FileCopy, SourceGoneBeforeTheRetry) {
     gSourceToRemove = base_ / "src/a";
     box_.during = [](const VntBoxModel&) { fs::remove(gSourceToRemove); };
     box_.answers = {{VNT_BTN_RETRY, false}, {VNT_BTN_RETRY, false}};
-    vnt::host::faultAt(Op::Read, 2);
+    vnt::host::faultOn(Op::Read, R"(T:\src\a)", 1);
     VntFileCopy fc;
     EXPECT_EQ(fc.Copy(R"(T:\src\a)", R"(T:\dst\a)"), 0u);
     EXPECT_EQ(fc.Error(), VNT_FC_SOURCE);

@@ -174,8 +174,25 @@ TEST_F(HostTest, EachVolumeRemembersItsDirectory) {
 
 TEST_F(HostTest, FilesReadAndFail) {
     File f;
-    EXPECT_FALSE(f.openRead("T:\\Daten\\missing.txt"));
-    EXPECT_FALSE(f.openRead("T:\\Daten"));  // a directory is no file
+    // Each failure reaches the caller as the host's error kind.
+    const struct { const char* name; ErrorKind kind; } failures[] = {
+        {"T:\\Daten\\missing.txt", ErrorKind::NotFound},
+        {"T:\\Daten\\Mandant1\\File.TXT\\x", ErrorKind::NotFound},  // a file as directory
+        {"T:\\Daten", ErrorKind::Access},  // a directory is no file
+        {"Q:\\x", ErrorKind::NotFound},     // no host form
+    };
+    for (const auto& r : failures) {
+        setLastError(ErrorKind::None);
+        EXPECT_FALSE(f.openRead(r.name)) << r.name;
+        EXPECT_EQ(lastError().kind, r.kind) << r.name;
+    }
+    // What a caller sets itself reads back as the same kind.
+    for (ErrorKind k : {ErrorKind::None, ErrorKind::NotFound, ErrorKind::Exists, ErrorKind::Access, ErrorKind::Invalid,
+                        ErrorKind::IO, ErrorKind::NoSpace, ErrorKind::Busy, ErrorKind::NotLoadable, ErrorKind::Other}) {
+        setLastError(k);
+        EXPECT_EQ(lastError().kind, k);
+        EXPECT_EQ(lastError().code, errorOf(k).code);
+    }
     ASSERT_TRUE(f.openRead("T:\\DATEN\\MANDANT1\\FILE.TXT"));
     EXPECT_EQ(f.size(), 10);
     char buf[16] = {};
@@ -191,9 +208,13 @@ TEST_F(HostTest, FilesReadAndFail) {
     EXPECT_EQ(f.read(buf, 1), 1u);
     EXPECT_EQ(f.read(buf, 1), 0u);  // the injected failure
     EXPECT_EQ(f.read(buf, 1), 1u);
-    faultAt(Op::Open, 1);
+    // A fault by name: only the names the pattern matches (without case), once.
+    faultOn(Op::Open, "t:\\daten\\*\\file.???");
     File g;
+    EXPECT_FALSE(g.openRead("T:\\Daten\\Mandant1\\File.TXTX"));
+    EXPECT_EQ(lastError().kind, ErrorKind::NotFound) << "another name: no fault";
     EXPECT_FALSE(g.openRead("T:\\Daten\\Mandant1\\File.TXT"));
+    EXPECT_EQ(lastError().kind, ErrorKind::IO) << "an injected fault";
     EXPECT_TRUE(g.openRead("T:\\Daten\\Mandant1\\File.TXT"));
 }
 
@@ -236,6 +257,17 @@ TEST(ProgramNames, FileDirectoryAndName) {
     moduleClose(libm);
     faultAt(Op::Load, 1);
     EXPECT_EQ(moduleOpen("libm.so.6"), nullptr);
+    // A module that is missing, and one that exists but is no library.
+    EXPECT_EQ(moduleLoad("Z:\\no\\such\\mod.dll"), nullptr);
+    EXPECT_EQ(lastError().kind, ErrorKind::NotFound);
+    const fs::path dir = vnt::test::scratchDir("vanto_notlib_"), junk = dir / "mod.so";
+    fs::create_directories(dir);
+    std::ofstream(junk) << "no library";
+    std::string junkLib;
+    ASSERT_TRUE(fromHost(junk.c_str(), junkLib));
+    EXPECT_EQ(moduleLoad(junkLib.c_str()), nullptr);
+    EXPECT_EQ(lastError().kind, ErrorKind::NotLoadable) << moduleError();
+    fs::remove_all(dir);
     reset();
 }
 

@@ -6,7 +6,6 @@
 
 #include "support.h"
 
-#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -133,9 +132,9 @@ TEST_F(IniFile, NamesThatCannotBeHeldAreRefused) {
     const std::string fits = dir + std::string(VNT_MAX_PATH - 1 - dir.size() - 4, 'n') + ".ini";
     ASSERT_EQ(fits.size(), VNT_MAX_PATH - 1);
     VntIniX tooLong((fits + "i").c_str(), "S");
-    errno = 0;
+    vnt::host::setLastError(vnt::host::ErrorKind::None);
     EXPECT_FALSE(tooLong.WriteStr("k", "v"));
-    EXPECT_EQ(vnt::host::lastError(), static_cast<unsigned long>(EINVAL));
+    EXPECT_EQ(vnt::host::lastError().kind, vnt::host::ErrorKind::Invalid);
     EXPECT_FALSE(tooLong.SectionWriteBegin() || tooLong.WriteSection("k=v") || tooLong.Open(nullptr, VNTINI_KEEP, true));
     EXPECT_EQ(get(tooLong, "k"), "-");
     EXPECT_TRUE(box.shown.empty()) << "a refused name is no internal error";
@@ -145,9 +144,9 @@ TEST_F(IniFile, NamesThatCannotBeHeldAreRefused) {
 
     VntIniX ini(file("Test.ini").c_str(), "S");
     for (const char* section : {"A\nB", "A]B", "A\r"}) {
-        errno = 0;
+        vnt::host::setLastError(vnt::host::ErrorKind::None);
         EXPECT_FALSE(ini.SectionWriteBegin(section)) << section;
-        EXPECT_EQ(vnt::host::lastError(), static_cast<unsigned long>(EINVAL)) << section;
+        EXPECT_EQ(vnt::host::lastError().kind, vnt::host::ErrorKind::Invalid) << section;
         EXPECT_FALSE(ini.WriteSection("k=v", section)) << section;
     }
     EXPECT_FALSE(fs::exists(dir_ / "Test.ini"));
@@ -272,13 +271,13 @@ TEST_F(IniFile, VtmModeReadsMessagesAndRefusesWrites) {
 TEST_F(IniFile, ReplacingTheFileAsksWhenItFails) {
     const char *oldText = "[A]\r\nx=1\r\n", *newText = "[A]\r\nk=v\r\n", *none = "(missing)";
     using vnt::host::Op;
-    // `nth`: the temporary file's own write renames once before.
-    const struct { const char* name; Op op; int nth, button; const char *file, *temp; } rows[] = {
-        {"delete fails, retry", Op::Remove, 1, VNT_BTN_RETRY, newText, none},
-        {"delete fails, abort leaves both", Op::Remove, 1, VNT_BTN_ABORT, oldText, newText},
-        {"delete fails, ignore renames over it", Op::Remove, 1, VNT_BTN_IGNORE, newText, none},
-        {"rename fails, retry", Op::Rename, 2, VNT_BTN_RETRY, newText, none},
-        {"rename fails, cancel gives up: the old file stays", Op::Rename, 2, VNT_BTN_CANCEL, oldText, newText},
+    // The faults hit the old file's removal and the rename onto its name.
+    const struct { const char* name; Op op; int button; const char *file, *temp; } rows[] = {
+        {"delete fails, retry", Op::Remove, VNT_BTN_RETRY, newText, none},
+        {"delete fails, abort leaves both", Op::Remove, VNT_BTN_ABORT, oldText, newText},
+        {"delete fails, ignore renames over it", Op::Remove, VNT_BTN_IGNORE, newText, none},
+        {"rename fails, retry", Op::Rename, VNT_BTN_RETRY, newText, none},
+        {"rename fails, cancel gives up: the old file stays", Op::Rename, VNT_BTN_CANCEL, oldText, newText},
     };
     for (const auto& r : rows) {
         SCOPED_TRACE(r.name);
@@ -287,10 +286,10 @@ TEST_F(IniFile, ReplacingTheFileAsksWhenItFails) {
         box.shown.clear();
         box.answers = {{r.button, false}, {VNT_BTN_ABORT, false}};  // a second question gives up
         // After "ignore" a delete would fail again: it must not be tried again.
-        box.during = r.button != VNT_BTN_IGNORE ? nullptr : +[](const VntBoxModel&) { vnt::host::faultAt(Op::Remove, 1); };
+        box.during = r.button != VNT_BTN_IGNORE ? nullptr : +[](const VntBoxModel&) { vnt::host::faultOn(Op::Remove, "*\\Test.ini"); };
         ASSERT_TRUE(rewrite("A", true, [&] {
             EXPECT_TRUE(fs::exists(dir_ / "Test.tmp")) << "the temporary file exists from the start";
-            vnt::host::faultAt(r.op, r.nth);
+            vnt::host::faultOn(r.op, "*\\Test.ini");
         }));
         vnt::host::faultReset();
         EXPECT_EQ(text("Test.ini") + "|" + text("Test.tmp"), std::string(r.file) + "|" + r.temp);

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <climits>
 #include <filesystem>
 #include <fstream>
@@ -186,9 +185,9 @@ TEST_F(Profile, NamesThatWouldBreakTheFileAreRefused) {
         {"section read as another", "[B", "k", "1"},
     };
     for (const auto& r : rows) {
-        errno = 0;
+        vnt::host::setLastError(vnt::host::ErrorKind::None);
         EXPECT_FALSE(Vnt_ProfileWriteString(r.sec, r.key, r.value, file_.c_str())) << r.name;
-        EXPECT_EQ(vnt::host::lastError(), static_cast<unsigned long>(EINVAL)) << r.name;
+        EXPECT_EQ(vnt::host::lastError().kind, vnt::host::ErrorKind::Invalid) << r.name;
     }
     EXPECT_FALSE(Vnt_ProfileWriteString("A", "k", "1", nullptr));
     EXPECT_FALSE(Vnt_ProfileWriteString("A", "k", "1", (file_ + "\\no\\such.ini").c_str())) << "directory missing";
@@ -204,9 +203,9 @@ TEST_F(Profile, NamesThatWouldBreakTheFileAreRefused) {
     const std::string fits = dir + std::string(VNT_MAX_PATH - 1 - dir.size() - 4, 'n') + ".ini";
     ASSERT_EQ(fits.size(), VNT_MAX_PATH - 1);
     const std::string tooLong = fits + "i";
-    errno = 0;
+    vnt::host::setLastError(vnt::host::ErrorKind::None);
     EXPECT_FALSE(Vnt_ProfileWriteString("A", "k", "1", tooLong.c_str()));
-    EXPECT_EQ(vnt::host::lastError(), static_cast<unsigned long>(EINVAL));
+    EXPECT_EQ(vnt::host::lastError().kind, vnt::host::ErrorKind::Invalid);
     EXPECT_TRUE(Vnt_ProfileWriteString("A", "k", "1", fits.c_str()));
     char buf[8];
     EXPECT_EQ(Vnt_ProfileGetString("A", "k", "d", buf, sizeof buf, fits.c_str()), 1u);
@@ -244,14 +243,16 @@ TEST_F(Profile, TemporaryFilesOfDeadWritersGo) {
 // temporary file, a cache that still holds the old values, and an error.
 TEST_F(Profile, FailedReplacementKeepsTheOldFile) {
     using vnt::host::Op;
+    using Kind = vnt::host::ErrorKind;
     const std::string before = "[A]\nx=1\n;keep\n";
-    const struct { const char* name; bool cached; Op op; int nth; long diskLeft; unsigned long err; } rows[] = {
-        {"write fails", true, Op::Write, 1, -1, EIO},
-        {"rename fails", true, Op::Rename, 1, -1, EIO},
-        {"temporary file cannot be made", true, Op::Open, 1, -1, EIO},
-        {"old file cannot be read", false, Op::Open, 1, -1, EIO},
-        {"disk full halfway", true, Op::Count, 0, 6, ENOSPC},
-        {"disk full at once", true, Op::Count, 0, 0, ENOSPC},
+    // Op::Count: no failing call, a full disk instead.
+    const struct { const char* name; bool cached; Op op; long diskLeft; Kind err; } rows[] = {
+        {"write fails", true, Op::Write, -1, Kind::IO},
+        {"rename fails", true, Op::Rename, -1, Kind::IO},
+        {"temporary file cannot be made", true, Op::Open, -1, Kind::IO},
+        {"old file cannot be read", false, Op::Open, -1, Kind::IO},
+        {"disk full halfway", true, Op::Count, 6, Kind::NoSpace},
+        {"disk full at once", true, Op::Count, 0, Kind::NoSpace},
     };
     for (const auto& r : rows) {
         put(before);
@@ -259,11 +260,11 @@ TEST_F(Profile, FailedReplacementKeepsTheOldFile) {
         if (r.cached) {
             ASSERT_EQ(get("A", "x"), "1") << r.name;
         }
-        if (r.op != Op::Count) vnt::host::faultAt(r.op, r.nth);
-        vnt::host::faultDiskFull(r.diskLeft);
-        errno = 0;
+        if (r.op != Op::Count) vnt::host::faultOn(r.op, file_.c_str());
+        vnt::host::faultShortWrite(file_.c_str(), r.diskLeft);
+        vnt::host::setLastError(vnt::host::ErrorKind::None);
         EXPECT_FALSE(Vnt_ProfileWriteString("A", "x", "2", file_.c_str())) << r.name;
-        EXPECT_EQ(vnt::host::lastError(), r.err) << r.name;
+        EXPECT_EQ(vnt::host::lastError().kind, r.err) << r.name;
         vnt::host::faultReset();
         EXPECT_EQ(text(), before) << r.name;
         EXPECT_EQ(entries(), 1) << r.name << ": temporary file left";
@@ -282,14 +283,14 @@ TEST_F(Profile, AnUnwritableFileIsToldOnce) {
     ASSERT_TRUE(Vnt_LfnFromHost(sys, VANTO_SYSLIB_EN) && Vnt_MsgItfInit(nullptr, 0, sys));
     put("[A]\nx=1\n");
     for (int i = 0; i < 2; ++i) {
-        vnt::host::faultAt(vnt::host::Op::Rename, 1);
+        vnt::host::faultOn(vnt::host::Op::Rename, file_.c_str());
         EXPECT_FALSE(Vnt_ProfileWriteString("A", "x", "2", file_.c_str()));
     }
     EXPECT_TRUE(Vnt_ProfileWriteString("A", "x", "3", file_.c_str()));
     Vnt_MsgItfTerm();
     Vnt_UiSetPresenter(old);
     ASSERT_EQ(box.shown.size(), 1u);
-    EXPECT_EQ(box.shown[0].text, "The file \"" + file_ + "\" cannot be written (" + vnt::host::errorText(EIO) +
+    EXPECT_EQ(box.shown[0].text, "The file \"" + file_ + "\" cannot be written (" + vnt::host::errorText(vnt::host::errorOf(vnt::host::ErrorKind::IO)) +
                                      "). The change is not saved.");
     vnt::test::resetAll();  // closes the system library
 }

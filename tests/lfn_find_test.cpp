@@ -193,7 +193,7 @@ TEST_F(LfnFind, CreateAndRemoveChains) {
     EXPECT_FALSE(Vnt_LfnDirRemove(R"(T:\nothere)"));
     fs::create_directories(base_ / "t/r");  // the walk goes on past a failed removal
     EXPECT_TRUE(Vnt_LfnDirRemove(R"(T:\r\gone)") && !exists("r"));
-    vnt::host::faultAt(Op::Remove, 1);  // x/y cannot go, so x is not empty
+    vnt::host::faultOn(Op::Remove, R"(T:\x\y)");  // so x is not empty
     EXPECT_FALSE(Vnt_LfnDirRemove(R"(T:\x\y)"));
     EXPECT_TRUE(exists("x/y"));
 }
@@ -225,7 +225,7 @@ TEST_F(LfnFind, PackedTimes) {
     EXPECT_EQ(p, packed);
     for (const char* bad : {R"(T:\a\b)", R"(T:\a\missing)"})
         EXPECT_FALSE(Vnt_LfnFileTimeGet(bad, &gt, &gd) || Vnt_LfnFileTimeSet(bad, &set, &day)) << bad;
-    vnt::host::faultAt(Op::Open, 1);
+    vnt::host::faultOn(Op::Open, file);
     EXPECT_FALSE(Vnt_LfnFileTimeGetp(file, &p));
 }
 
@@ -242,10 +242,10 @@ TEST_F(LfnFind, TempNameAndFaults) {
     EXPECT_STREQ(buf, R"(T:\prog\090503.tmp)");
 
     // A pattern reads the directory; a plain name is asked of the host alone.
-    vnt::host::faultAt(Op::List, 1);
+    vnt::host::faultOn(Op::List, R"(T:\a*)");
     EXPECT_FALSE(Vnt_LfnFileFind(R"(T:\a\read*)"));
     EXPECT_TRUE(Vnt_LfnFileFind(R"(T:\a\read*)"));
-    vnt::host::faultAt(Op::Stat, 1);
+    vnt::host::faultOn(Op::Stat, R"(T:\a\readme)");
     EXPECT_FALSE(Vnt_LfnFileFind(R"(T:\a\readme)"));
     EXPECT_TRUE(Vnt_LfnFileFind(R"(T:\a\READme)"));
     EXPECT_EQ(name(), "readme");
@@ -278,7 +278,7 @@ TEST_F(LfnFind, Volumes) {
     EXPECT_TRUE(Vnt_LfnFileFitToVol("T:", R"(T:\a\File1.txt)") && Vnt_LfnVolExists(R"(T:\)"));
     EXPECT_TRUE(box.shown.empty());
     EXPECT_FALSE(Vnt_LfnVolExists(R"(Q:\x)"));
-    vnt::host::faultAt(Op::Stat, 1);
+    vnt::host::faultOn(Op::Stat, R"(T:\)");
     EXPECT_EQ(Vnt_LfnVolFreeSpace("T:"), 0u);
     const std::string missing = R"(T:\a\)" + std::string(40, 'm');
     EXPECT_FALSE(Vnt_LfnFileFitToVol("T:", missing.c_str()));

@@ -106,22 +106,24 @@ TEST_F(Reports, MsgErrDropsExclamationThenAmpersand) {
 }
 
 TEST_F(Reports, LastErrorIsReportedOnceWithCodeAndHostText) {
-    const std::string hostText = vnt::host::errorText(2), longText(600, 'a');
-    const struct { const char* name; unsigned long error; const char* text; std::string says; } rows[] = {
-        {"no error: no report", 0, "Datei fehlt", ""},
-        {"with a text", 2, "Datei fehlt", "Datei fehlt\n\n(Code = 2)\n\n" + hostText},
-        {"without a text", 2, nullptr, "(Code = 2)\n\n" + hostText},
-        {"text cut at 512 characters", 2, longText.c_str(), std::string(512, 'a') + "\n\n(Code = 2)\n\n"},
+    // A missing file is code 2 on every host.
+    using Kind = vnt::host::ErrorKind;
+    const std::string hostText = vnt::host::errorText(vnt::host::errorOf(Kind::NotFound)), longText(600, 'a');
+    const struct { const char* name; Kind error; const char* text; std::string says; } rows[] = {
+        {"no error: no report", Kind::None, "Datei fehlt", ""},
+        {"with a text", Kind::NotFound, "Datei fehlt", "Datei fehlt\n\n(Code = 2)\n\n" + hostText},
+        {"without a text", Kind::NotFound, nullptr, "(Code = 2)\n\n" + hostText},
+        {"text cut at 512 characters", Kind::NotFound, longText.c_str(), std::string(512, 'a') + "\n\n(Code = 2)\n\n"},
     };
     for (const auto& r : rows) {
         SCOPED_TRACE(r.name);
         box.shown.clear();
         vnt::host::setLastError(r.error);
-        EXPECT_EQ(Vnt_MsgErrLastError(r.text), r.error != 0);
-        EXPECT_EQ(vnt::host::lastError(), 0u) << "the error is cleared";
+        EXPECT_EQ(Vnt_MsgErrLastError(r.text), r.error != Kind::None);
+        EXPECT_EQ(vnt::host::lastError().kind, Kind::None) << "the error is cleared";
         EXPECT_FALSE(Vnt_MsgErrLastError(r.text)) << "reported once: nothing is left to report";
-        ASSERT_EQ(box.shown.size(), r.error ? 1u : 0u);
-        if (!r.error) continue;
+        ASSERT_EQ(box.shown.size(), r.error != Kind::None ? 1u : 0u);
+        if (r.error == Kind::None) continue;
         const VntBoxModel& m = box.shown[0];
         EXPECT_TRUE(contains(m.text, r.says) && !contains(m.text, std::string(513, 'a'))) << m.text;
         EXPECT_TRUE(m.internalError && contains(m.details, "Msg/Vnt_msg/179")) << m.details;

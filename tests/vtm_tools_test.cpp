@@ -273,7 +273,7 @@ TEST_F(VtmToolsRun, RoundTrips) {
     expectRoundTrip(compile("sys", "library VNT60LIB\nsystem 1\n32768 \"a\"\n40000 \"b\\x81\"\n"));
     expectRoundTrip(compile("repeated", "library\npreload 0\n5 \"x\"\n3 \"y\"\n3 \"z\"\n"));
     expectRoundTrip(compile("empty", "library E\n"));
-    expectRoundTrip(compile("sample", readFile(fs::path(__FILE__).parent_path().parent_path() / "examples" / "sample.vtms")));
+    expectRoundTrip(compile("sample", readFile(fs::path(VANTO_SOURCE_DIR).parent_path() / "examples" / "sample.vtms")));
     // A file from another writer still decompiles, with a warning that the source gives other bytes.
     Bytes b = writeLibrary(lib("X", {{1, "a"}}));
     b[104] = 'Z';  // annex data vtmc never writes

@@ -196,16 +196,18 @@ bool loadByName(const char* fileArg, long arg1, long arg2, const char* function,
 
     if (flags & VNT_APP_MOD_HELP) {
         if (openHelp(file, fn, st.current ? st.current->nModule : 0)) return true;
-        const unsigned long code = vnt::host::lastError() ? vnt::host::lastError() : 2;
+        vnt::host::Error err = vnt::host::lastError();
+        if (!err) err = vnt::host::errorOf(vnt::host::ErrorKind::NotFound);
         st.current = nullptr;
-        reportFailure(code, vnt::host::errorText(code), file, shown, flags);
+        reportFailure(err.code, vnt::host::errorText(err), file, shown, flags);
         return false;
     }
     if (flags & VNT_APP_MOD_INI) {
         char path[261] = "";
         if (!resolveIni(file, fn, flags, path, args)) {
             st.current = nullptr;
-            reportFailure(2, vnt::host::errorText(2), file, shown, flags);
+            const vnt::host::Error err = vnt::host::errorOf(vnt::host::ErrorKind::NotFound);
+            reportFailure(err.code, vnt::host::errorText(err), file, shown, flags);
             return false;
         }
         vnt::copyBounded(file, path);
@@ -252,8 +254,8 @@ bool loadByName(const char* fileArg, long arg1, long arg2, const char* function,
         started = vnt::host::startProgram(full, args, dir);
         if (!started && !hasPath) started = vnt::host::startProgram(file, args, dir);
         if (!started) {
-            code = vnt::host::lastError();
-            why = vnt::host::errorText(code);
+            code = vnt::host::lastError().code;
+            why = vnt::host::lastErrorText();
         }
     } else if (st.current && st.current->hInstance) {
         inst = st.current->hInstance;
@@ -261,7 +263,7 @@ bool loadByName(const char* fileArg, long arg1, long arg2, const char* function,
         void* h = vnt::host::moduleLoad(full);
         if (!h && !hasPath) h = vnt::host::moduleLoad(file);
         if (!h) {
-            code = vnt::host::lastError();
+            code = vnt::host::lastError().code;
             why = vnt::host::moduleError();
         }
         inst = static_cast<VNT_HINSTANCE>(h);

@@ -9,6 +9,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
+
+#include "host/error.h"
+#include "host/fault.h"
 
 namespace vnt::host {
 
@@ -49,13 +53,13 @@ bool fromHost(const char* hostPath, std::string& libPath);
 class File {
 public:
     File() = default;
-    File(File&& o) noexcept : fd_(o.fd_), pos_(o.pos_) { o.fd_ = -1; }
+    File(File&& o) noexcept : fd_(o.fd_), pos_(o.pos_), faultName_(std::move(o.faultName_)) { o.fd_ = -1; }
     File& operator=(File&& o) noexcept;
     File(const File&) = delete;
     File& operator=(const File&) = delete;
     ~File() { close(); }
 
-    /// Opens for binary reading. False (with errno-like lastError()) on failure.
+    /// Opens for binary reading. False (lastError() says why) on failure.
     bool openRead(const char* libPath);
     bool isOpen() const { return fd_ >= 0; }
     /// Reads up to n bytes; returns the count read (0 at the end or on error).
@@ -101,6 +105,9 @@ public:
 private:
     int fd_ = -1;
     std::uint64_t pos_ = 0;  // kept here, so a seek costs no system call
+    std::string faultName_;  // the name faults by name see; "" unless one is set
+    void opened(int fd, const char* libPath);
+    const char* faultName() const { return faultName_.empty() ? nullptr : faultName_.c_str(); }
 };
 
 /// Renames a file, replacing `to` when it exists (Op::Rename faults apply).
@@ -114,13 +121,6 @@ enum class ReplaceFail { None, Target, Rename };
 /// the new one not moved (Rename: Op::Rename faults, any other error).
 bool replaceFile(const char* fromLibPath, const char* toLibPath, ReplaceFail& fail);
 
-/// The last error of the library's own host calls (0: none), its
-/// description, and clearing it. Every failing host call sets it.
-unsigned long lastError();
-void setLastError(unsigned long code);
-std::string errorText(unsigned long code);
-/// Text of the host's last error, for messages.
-std::string lastErrorText();
 
 // ---------------------------------------------------------------------------
 // The terminal
@@ -165,17 +165,6 @@ void moduleClose(void* handle);
 std::string moduleError();
 /// Library path of a loaded module's file; empty when it cannot be told.
 std::string moduleFile(void* handle);
-
-// ---------------------------------------------------------------------------
-// Fault injection for tests: make the n-th following call of an operation
-// fail (n = 1: the next one). Reset by faultReset().
-// ---------------------------------------------------------------------------
-
-enum class Op { Open, Read, Seek, Write, Rename, Remove, Stat, List, Load, Count };
-void faultAt(Op op, int nth);
-void faultReset();
-/// Internal: true when this call of `op` shall fail.
-bool faultHit(Op op);
 
 // ---------------------------------------------------------------------------
 // The local clock (src/host/posix/host_clock.cpp)
@@ -255,8 +244,7 @@ void sleepMs(long ms);
 }  // namespace vnt::host
 
 // ---------------------------------------------------------------------------
-// Noticing changes by other writers (src/host/posix/host_watch.cpp), and a
-// simulated full disk for the atomic write (src/host/posix/host_io.cpp).
+// Noticing changes by other writers (src/host/posix/host_watch.cpp).
 // Paths here are host paths, as toHost gives them.
 // ---------------------------------------------------------------------------
 
@@ -294,9 +282,6 @@ void watchDrain(void (*sink)(const WatchEvent&, void*), void* ctx);
 /// Ends every watch and the notification service (for tests).
 void watchReset();
 
-/// Makes the next writeFileAtomic find only `bytesLeft` bytes of free space:
-/// it writes that much and then fails with ENOSPC. A negative count clears it.
-void faultDiskFull(long bytesLeft);
 
 }  // namespace vnt::host
 
@@ -397,8 +382,9 @@ namespace vnt::host {
 /// Loads the module library `libName` (a library path, or a bare name for
 /// the host's library search): "x.dll" (or "x", "x.so") is tried as "x.so",
 /// then as "libx.so", in the same directory. Null on failure (Op::Load
-/// faults apply) with lastError() ENOENT when no candidate exists, ENOEXEC
-/// when one exists but did not load, and moduleError() the loader's text.
+/// faults apply) with lastError() NotFound when no candidate exists,
+/// NotLoadable when one exists but did not load, and moduleError() the
+/// loader's text.
 void* moduleLoad(const char* libName);
 /// The library names moduleLoad tries for `libName`, in its order
 /// ("Z:\m\x.dll" => "Z:\m\x.so", "Z:\m\libx.so"); empty without a file part.

@@ -2,7 +2,6 @@
 // and closing (the line reader and the section rewrite are in
 // inifile_lines.cpp).
 
-#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -196,8 +195,7 @@ namespace {
 
 // Reports a file that could not be opened, with the host's reason.
 void reportOpenFailure(const char* file) {
-    const unsigned long err = vnt::host::lastError();
-    vnt::host::setLastError(err ? err : 2);
+    if (!vnt::host::lastError()) vnt::host::setLastError(vnt::host::ErrorKind::NotFound);
     Vnt_MsgErrLastError(Vnt_LfnNameOut(file));
 }
 
@@ -211,7 +209,7 @@ bool VntIni::ini_open(const char* file, VNTINI_TYPE type, bool report, bool forW
     Flush();
     Close(true);
     if (badName_) {
-        vnt::host::setLastError(EINVAL);
+        vnt::host::setLastError(vnt::host::ErrorKind::Invalid);
         return false;
     }
     if (forWriting) {
@@ -331,7 +329,7 @@ bool VntIni::WriteStr(const char* entry, const char* value, int num, bool quote,
     }
     const char* name = entry ? NumEntry(entry, num) : nullptr;
     if (badName_ && !app_) {
-        vnt::host::setLastError(EINVAL);
+        vnt::host::setLastError(vnt::host::ErrorKind::Invalid);
         return false;
     }
     // Compared after quoting: a quoted value is stored even when it equals

@@ -2,7 +2,6 @@
 // enumeration, the section rewrite, section name forms, and VntIniX.
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -86,7 +85,7 @@ constexpr long kNoSection = -2;  // vtmSection_ after a search that failed
 // end and no "]"; invalid argument otherwise.
 bool headerName(const char* bare) {
     if (std::strpbrk(bare, "\r\n]") == nullptr) return true;
-    vnt::host::setLastError(EINVAL);
+    vnt::host::setLastError(vnt::host::ErrorKind::Invalid);
     return false;
 }
 
@@ -328,7 +327,7 @@ bool VntIni::open_for_writing(const char* file) {
     if (Vnt__InternalError(vtm_, 2, __FILE__, __LINE__)) return false;
     if (file && *file && std::strcmp(file, file_) != 0) SetFile(file, VNTINI_KEEP);
     if (badName_) {
-        vnt::host::setLastError(EINVAL);
+        vnt::host::setLastError(vnt::host::ErrorKind::Invalid);
         return false;
     }
     if (Vnt__InternalError(!file_[0], 1, __FILE__, __LINE__)) return false;
@@ -343,7 +342,7 @@ bool VntIni::open_for_writing(const char* file) {
         if (!vnt::ini::rewriteTemp(file_, temp_)) {
             vnt::copyBounded(temp_, file_);
             Vnt_LfnNameExt(temp_, "tmp");
-            vnt::host::setLastError(17);
+            vnt::host::setLastError(vnt::host::ErrorKind::Exists);
             Vnt_MsgErrLastError(Vnt_LfnNameOut(temp_));
             temp_[0] = '\0';
             return false;

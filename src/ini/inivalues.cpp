@@ -1,7 +1,6 @@
 // VntIni: typed values (numbers, rectangles, colours), the DX operations of
 // settings classes, and token lists in the line buffer.
 
-#include <cerrno>
 #include <climits>
 #include <cstdint>
 #include <cstring>
@@ -149,7 +148,7 @@ tagRECT* VntIni::ReadRect(const char* entry, const XYWH* def, int num) {
 
 bool VntIni::WriteRect(const char* entry, const tagRECT* rect, int num, const XYWH* def) {
     if (rect == nullptr) {
-        vnt::host::setLastError(EINVAL);
+        vnt::host::setLastError(vnt::host::ErrorKind::Invalid);
         return false;
     }
     const long x = rect->left, y = rect->top;

@@ -2,7 +2,6 @@
 // written by replacing the whole file.
 #include "ini/profile.h"
 
-#include <cerrno>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -182,7 +181,7 @@ bool load(Cached& c, const char* file) {
     ProfileState& st = state();
     std::string hostPath;
     if (!host::toHost(file, hostPath)) {
-        host::setLastError(ENOENT);
+        host::setLastError(host::ErrorKind::NotFound);
         return false;
     }
     c.host = hostPath;
@@ -409,12 +408,12 @@ long Vnt_ProfileGetInt(const char* section, const char* key, long def, const cha
  */
 bool Vnt_ProfileWriteString(const char* section, const char* key, const char* value, const char* file) {
     if (file == nullptr || *file == '\0' || !fits(file) || section == nullptr) {
-        vnt::host::setLastError(EINVAL);
+        vnt::host::setLastError(vnt::host::ErrorKind::Invalid);
         return false;
     }
     const std::string_view sec = trim(section);
     if (!writable(sec, key, value)) {
-        vnt::host::setLastError(EINVAL);
+        vnt::host::setLastError(vnt::host::ErrorKind::Invalid);
         return false;
     }
     std::unique_ptr<Cached> scratch;
@@ -425,13 +424,14 @@ bool Vnt_ProfileWriteString(const char* section, const char* key, const char* va
     std::string out;
     for (const std::string& l : lines) out.append(l).append("\r\n");
     if (!vnt::host::writeFileAtomic(file, out)) {
-        unsigned long err = vnt::host::lastError();
+        vnt::host::Error err = vnt::host::lastError();
+        if (!err) err = vnt::host::errorOf(vnt::host::ErrorKind::IO);
         // A read-only installation: said once per file, not lost silently.
         if (!c->toldUnwritable) {
             c->toldUnwritable = true;
-            Vnt_MsgSys(kMsgCannotWrite, file, vnt::host::errorText(err ? err : EIO).c_str());
+            Vnt_MsgSys(kMsgCannotWrite, file, vnt::host::errorText(err).c_str());
         }
-        vnt::host::setLastError(err ? err : EIO);
+        vnt::host::setLastError(err);
         return false;
     }
     // Our own rename is reported too: take it in before the cache is current.

@@ -2,7 +2,6 @@
 // retry questions.
 #include "vanto/filecopy.h"
 
-#include <cerrno>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -214,7 +213,7 @@ std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
             }
             Vnt_LfnDirCreateFromFile(dst);
             if (ontoItself) {
-                vnt::host::setLastError(EINVAL);
+                vnt::host::setLastError(vnt::host::ErrorKind::Invalid);
                 error_ = VNT_FC_TARGET;
             } else if (out.openReplacement(dst, temp)) {
                 out.reserve(length_);
@@ -259,8 +258,8 @@ std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
             }
         }
         // Ask whether to try again, naming the file that failed.
-        const unsigned long err = vnt::host::lastError();
-        const bool missing = err == ENOENT && !sourceOpened;
+        const vnt::host::Error err = vnt::host::lastError();
+        const bool missing = err.kind == vnt::host::ErrorKind::NotFound && !sourceOpened;
         in.close();
         out.close();
         dropTemp();

@@ -181,19 +181,19 @@ VNT_RESP Vnt__MsgErr(const char* sourceFile, int line, const char* text, const c
  * a ring buffer. The error is cleared afterwards, so it is reported once.
  */
 bool Vnt_MsgErrLastError(const char* text) {
-    const unsigned long code = vnt::host::lastError();
-    if (code == 0) return false;
+    const vnt::host::Error error = vnt::host::lastError();
+    if (!error) return false;
     std::string report;
     if (text && *text) {
         report.assign(text, strnlen(text, kCallerTextMax));
         report += "\n\n";
     }
-    report += vnt::format("(Code = %lu)\n\n", code);
-    report += vnt::host::errorText(code);
+    report += vnt::format("(Code = %lu)\n\n", error.code);
+    report += vnt::host::errorText(error);
     char* buf = vnt::msg::ringTake();
     vnt::copyBounded(buf, vnt::msg::kTextSize, report);
     Vnt__MsgErr(kLastErrorSource, kLastErrorLine, buf, nullptr, 0);
-    vnt::host::setLastError(0);
+    vnt::host::setLastError(vnt::host::ErrorKind::None);
     return true;
 }
 

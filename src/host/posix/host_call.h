@@ -17,7 +17,7 @@ inline bool hostCall(const char* libPath, Op op, std::string& host) {
         errno = ENOENT;
         return false;
     }
-    if (faultHit(op)) {
+    if (faultHit(op, libPath)) {
         errno = EIO;
         return false;
     }
@@ -34,7 +34,7 @@ void reapChildren();
 /// (".<name>.<pid>.<n>.tmp", exclusively; Op::Open faults apply), with the
 /// target's permissions when it exists, after removing the temporary files
 /// of dead writers. Returns the descriptor (-1, errno set, on failure) and
-/// the name in `tmp`.
-int createTemp(const std::string& host, std::string& tmp);
+/// the name in `tmp`; `libName` is the target's name for faults.
+int createTemp(const std::string& host, std::string& tmp, const char* libName);
 
 }  // namespace vnt::host

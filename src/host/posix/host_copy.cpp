@@ -18,8 +18,7 @@ bool File::openWrite(const char* libPath) {
     do fd = ::open(host.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     while (fd < 0 && errno == EINTR);
     if (fd < 0) return false;
-    fd_ = fd;
-    pos_ = 0;
+    opened(fd, libPath);
     return true;
 }
 
@@ -41,7 +40,7 @@ bool File::openReplacement(const char* targetLibPath, std::string& tempLibPath) 
         ::close(probe);
     }
     std::string tmp;
-    const int fd = createTemp(host, tmp);
+    const int fd = createTemp(host, tmp, targetLibPath);
     if (fd < 0) return false;
     if (!fromHost(tmp.c_str(), tempLibPath)) {
         ::unlink(tmp.c_str());
@@ -49,8 +48,7 @@ bool File::openReplacement(const char* targetLibPath, std::string& tempLibPath) 
         errno = ENOENT;
         return false;
     }
-    fd_ = fd;
-    pos_ = 0;
+    opened(fd, targetLibPath);
     return true;
 }
 
@@ -84,25 +82,34 @@ bool File::write(const void* buf, std::size_t n) {
         errno = EBADF;
         return false;
     }
-    if (faultHit(Op::Write)) {
+    if (faultHit(Op::Write, faultName())) {
         errno = EIO;
         return false;
     }
+    // An injected full disk takes what fits and refuses the rest.
+    const std::size_t room = faultWriteRoom(faultName(), n);
     std::size_t done = 0;
-    const bool ok = writeAll(fd_, pos_, static_cast<const char*>(buf), n, done);
+    const bool ok = writeAll(fd_, pos_, static_cast<const char*>(buf), room, done);
     pos_ += done;
-    return ok;
+    if (ok && room < n) errno = ENOSPC;
+    return ok && room == n;
 }
 
 std::size_t File::copyFrom(File& src, void* buf, std::size_t n, CopyFail& fail) {
     fail = CopyFail::None;
-    if (src.fd_ < 0 || faultHit(Op::Read)) {
+    if (src.fd_ < 0 || faultHit(Op::Read, src.faultName())) {
         errno = src.fd_ < 0 ? EBADF : EIO;
         fail = CopyFail::Read;
         return 0;
     }
-    if (fd_ < 0 || faultHit(Op::Write)) {
+    if (fd_ < 0 || faultHit(Op::Write, faultName())) {
         errno = fd_ < 0 ? EBADF : EIO;
+        fail = CopyFail::Write;
+        return 0;
+    }
+    // An injected full disk copies what fits, then refuses.
+    if (n > 0 && (n = faultWriteRoom(faultName(), n)) == 0) {
+        errno = ENOSPC;
         fail = CopyFail::Write;
         return 0;
     }

@@ -86,7 +86,7 @@ bool listDir(const char* libDir, bool (*want)(const std::string&, void*), void* 
         errno = ENOENT;
         return false;
     }
-    if (faultHit(Op::List)) {
+    if (faultHit(Op::List, libDir)) {
         errno = EIO;
         return false;
     }
@@ -192,7 +192,7 @@ bool freeSpace(char letter, std::uint64_t& blocks, std::uint64_t& blockSize) {
         errno = ENOENT;
         return false;
     }
-    if (faultHit(Op::Stat)) {
+    if (faultHit(Op::Stat, root)) {
         errno = EIO;
         return false;
     }

@@ -12,7 +12,7 @@ bool renameFile(const char* fromLibPath, const char* toLibPath) {
         errno = ENOENT;
         return false;
     }
-    if (faultHit(Op::Rename)) {
+    if (faultHit(Op::Rename, toLibPath)) {
         errno = EIO;
         return false;
     }
@@ -26,12 +26,12 @@ bool replaceFile(const char* fromLibPath, const char* toLibPath, ReplaceFail& fa
         errno = ENOENT;
         return false;
     }
-    if (faultHit(Op::Remove)) {
+    if (faultHit(Op::Remove, toLibPath)) {
         fail = ReplaceFail::Target;
         errno = EACCES;
         return false;
     }
-    if (faultHit(Op::Rename)) {
+    if (faultHit(Op::Rename, toLibPath)) {
         errno = EIO;
         return false;
     }

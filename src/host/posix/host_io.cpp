@@ -27,31 +27,21 @@ bool isHostDir(const std::string& host) {
     return ::stat(host.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
 }
 
-// Free space the next atomic write is to find; negative = as much as the
-// disk has. One-shot, so no test leaves it behind for the next.
-long& diskFullLeft() {
-    static long left = -1;
-    return left;
-}
-
 /*
- * Writes the whole buffer. `spaceLeft` >= 0 simulates a full disk: that many
- * bytes go out, then the write fails with ENOSPC as a real one would.
+ * Writes the whole buffer as the file `libPath`. An injected full disk
+ * takes what fits, then the write fails with ENOSPC as a real one would.
  */
-bool writeAll(int fd, const std::string& data, long spaceLeft = -1) {
+bool writeAll(int fd, const std::string& data, const char* libPath) {
     std::size_t done = 0;
     while (done < data.size()) {
-        if (faultHit(Op::Write)) {
+        if (faultHit(Op::Write, libPath)) {
             errno = EIO;
             return false;
         }
-        std::size_t want = data.size() - done;
-        if (spaceLeft >= 0) {
-            if (static_cast<std::size_t>(spaceLeft) <= done) {
-                errno = ENOSPC;
-                return false;
-            }
-            want = std::min(want, static_cast<std::size_t>(spaceLeft) - done);
+        const std::size_t want = faultWriteRoom(libPath, data.size() - done);
+        if (want == 0) {
+            errno = ENOSPC;
+            return false;
         }
         ssize_t r = ::write(fd, data.data() + done, want);
         if (r < 0 && errno == EINTR) continue;
@@ -172,7 +162,7 @@ int removeStaleTemps(const std::string& hostDir) {
  * path), exclusively; the temporary files of dead writers go first. The
  * file takes the target's permissions when the target exists.
  */
-int createTemp(const std::string& host, std::string& tmp) {
+int createTemp(const std::string& host, std::string& tmp, const char* libName) {
     std::string dir, base;
     splitHost(host, dir, base);
     if (base.empty()) {
@@ -185,7 +175,7 @@ int createTemp(const std::string& host, std::string& tmp) {
     for (int attempt = 0; attempt < 100 && fd < 0; ++attempt) {
         tmp = (dir == "/" ? "" : dir) + "/." + base + "." + std::to_string(::getpid()) + "." +
               std::to_string(++counter) + ".tmp";
-        if (faultHit(Op::Open)) {
+        if (faultHit(Op::Open, libName)) {
             errno = EIO;
             return -1;
         }
@@ -210,18 +200,16 @@ bool writeFileAtomic(const char* libPath, const std::string& data) {
         errno = ENOENT;
         return false;
     }
-    const long spaceLeft = diskFullLeft();
-    diskFullLeft() = -1;
     std::string tmp;
-    const int fd = createTemp(host, tmp);
+    const int fd = createTemp(host, tmp, libPath);
     if (fd < 0) return false;
-    bool ok = writeAll(fd, data, spaceLeft) && ::fsync(fd) == 0;
+    bool ok = writeAll(fd, data, libPath) && ::fsync(fd) == 0;
     int e = errno;
     if (::close(fd) != 0 && ok) {
         ok = false;
         e = errno;
     }
-    if (ok && faultHit(Op::Rename)) {
+    if (ok && faultHit(Op::Rename, libPath)) {
         ok = false;
         e = EIO;
     }
@@ -236,7 +224,6 @@ bool writeFileAtomic(const char* libPath, const std::string& data) {
     return ok;
 }
 
-void faultDiskFull(long bytesLeft) { diskFullLeft() = bytesLeft < 0 ? -1 : bytesLeft; }
 
 // The host name of a directory to create; false (ENOENT) when the name has
 // none. `exists` tells whether it is a directory already.

@@ -35,7 +35,7 @@ void* openHost(const std::string& hostName) {
 }  // namespace
 
 void* moduleOpen(const std::string& hostName) {
-    if (faultHit(Op::Load)) {
+    if (faultHit(Op::Load, hostName.c_str())) {
         errno = EIO;
         lastModuleError() = "simulated load failure";
         return nullptr;
@@ -73,7 +73,7 @@ void* moduleLoad(const char* libName) {
         lastModuleError() = "no module name";
         return nullptr;
     }
-    if (faultHit(Op::Load)) {
+    if (faultHit(Op::Load, libName)) {
         errno = EIO;
         lastModuleError() = "simulated load failure";
         return nullptr;

@@ -31,7 +31,6 @@ struct HostState {
     std::string volDir[kVolumes];  // host directory of each letter; "" = unmapped
     std::string volCwd[kVolumes];  // remembered current directory ("X:\..."); "" = root
     int curVol = 'Z' - 'A';        // current volume
-    int faultAt[static_cast<int>(Op::Count)] = {};  // countdown per operation; 0 = none
     std::string programFile;       // set by setProgramFile; "" = ask the system
     std::string libraryFile;       // set by setLibraryFile; "" = ask the loader
 };
@@ -301,6 +300,7 @@ File& File::operator=(File&& o) noexcept {
         close();
         fd_ = o.fd_;
         pos_ = o.pos_;
+        faultName_ = std::move(o.faultName_);
         o.fd_ = -1;
     }
     return *this;
@@ -320,15 +320,20 @@ bool File::openRead(const char* libPath) {
         errno = EISDIR;
         return false;
     }
-    fd_ = fd;
-    pos_ = 0;
+    opened(fd, libPath);
     return true;
 }
 
+void File::opened(int fd, const char* libPath) {
+    fd_ = fd;
+    pos_ = 0;
+    if (faultByName()) faultName_ = libPath;
+}
+
 // Reads at `pos` until n bytes came, the file ended or an error occurred.
-static std::size_t readFull(int fd, void* buf, std::size_t n, std::uint64_t pos) {
+static std::size_t readFull(int fd, void* buf, std::size_t n, std::uint64_t pos, const char* name) {
     if (fd < 0) return 0;
-    if (faultHit(Op::Read)) {
+    if (faultHit(Op::Read, name)) {
         errno = EIO;
         return 0;
     }
@@ -344,16 +349,16 @@ static std::size_t readFull(int fd, void* buf, std::size_t n, std::uint64_t pos)
 }
 
 std::size_t File::read(void* buf, std::size_t n) {
-    std::size_t got = readFull(fd_, buf, n, pos_);
+    std::size_t got = readFull(fd_, buf, n, pos_, faultName());
     pos_ += got;
     return got;
 }
 
-std::size_t File::readAt(void* buf, std::size_t n, std::uint64_t pos) { return readFull(fd_, buf, n, pos); }
+std::size_t File::readAt(void* buf, std::size_t n, std::uint64_t pos) { return readFull(fd_, buf, n, pos, faultName()); }
 
 bool File::seek(std::uint64_t pos) {
     if (fd_ < 0) return false;
-    if (faultHit(Op::Seek)) {
+    if (faultHit(Op::Seek, faultName())) {
         errno = EIO;
         return false;
     }
@@ -376,17 +381,9 @@ void File::close() {
     if (fd_ >= 0) ::close(fd_);
     fd_ = -1;
     pos_ = 0;
+    faultName_.clear();
 }
 
-// The host's last error lives in errno; a call that succeeds leaves it alone,
-// as the platform's own last-error value behaves.
-unsigned long lastError() { return static_cast<unsigned long>(errno); }
-
-void setLastError(unsigned long code) { errno = static_cast<int>(code); }
-
-std::string errorText(unsigned long code) { return std::strerror(static_cast<int>(code)); }
-
-std::string lastErrorText() { return std::strerror(errno); }
 
 namespace {
 std::string runningExecutable() {
@@ -458,26 +455,15 @@ bool readLine(std::string& line) {
 void setProgramFile(const std::string& libPath) { state().programFile = libPath; }
 void setLibraryFile(const std::string& libPath) { state().libraryFile = libPath; }
 
-void faultAt(Op op, int nth) { state().faultAt[static_cast<int>(op)] = nth > 0 ? nth : 0; }
-
-void faultReset() {
-    for (int& f : state().faultAt) f = 0;
-}
-
-bool faultHit(Op op) {
-    int& f = state().faultAt[static_cast<int>(op)];
-    return f > 0 && --f == 0;
-}
-
 void reset() {
     HostState& s = state();
     // The process's working directory is left where it is; the table is
     // rebuilt from it on the next use.
     s = HostState{};
     setClock(nullptr);
-    faultDiskFull(-1);
+    faultReset();
     watchReset();
-    setLastError(0);
+    setLastError(ErrorKind::None);
 }
 
 }  // namespace vnt::host

@@ -68,7 +68,7 @@ bool startProgram(const char* libPath, const char* args, const char* libWorkDir)
         errno = ENOENT;
         return false;
     }
-    if (faultHit(Op::Load)) {
+    if (faultHit(Op::Load, libPath)) {
         errno = EIO;
         return false;
     }
