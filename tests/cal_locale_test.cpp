@@ -11,7 +11,8 @@
 #include <string>
 
 #include "cal_locale_files.h"
-#include "host/host.h"
+#include "host/intl.h"
+#include "host/time.h"
 #include "support.h"
 #include "vanto/amount.h"
 #include "vanto/date.h"

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "host/host.h"
+#include "host/fault.h"
 #include "support.h"
 #include "vanto/filecopy.h"
 #include "vanto/lfn.h"

@@ -7,7 +7,13 @@
 #include <cstring>
 #include <string>
 
+#include "host/error.h"
+#include "host/fault.h"
+#include "host/file.h"
 #include "host/host.h"
+#include "host/module.h"
+#include "host/path.h"
+#include "host/process.h"
 #include "vanto/lfn.h"
 #include "vanto/text.h"
 #include "scratch.h"

@@ -13,7 +13,10 @@
 
 #include <unistd.h>
 
+#include "host/error.h"
+#include "host/fault.h"
 #include "host/host.h"
+#include "host/path.h"
 #include "ini/profile.h"
 #include "support.h"
 #include "vanto/msg.h"

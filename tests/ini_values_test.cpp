@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/path.h"
 #include "ini/ini_stream.h"
 #include "ini/profile.h"
 #include "vanto/ini.h"

@@ -8,6 +8,7 @@
 
 #include "base/strbuf.h"
 #include "host/host.h"
+#include "host/path.h"
 #include "lfn/lfn_state.h"
 #include "vanto/lfn.h"
 #include "scratch.h"

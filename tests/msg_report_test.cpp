@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "host/host.h"
+#include "host/error.h"
 #include "msg/msg_internal.h"
 #include "msg/vtm_internal.h"
 #include "vanto/lfn.h"

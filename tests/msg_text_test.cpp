@@ -13,6 +13,8 @@
 #include <vector>
 
 #include "host/host.h"
+#include "host/path.h"
+#include "host/process.h"
 #include "msg/msg_state.h"
 #include "msg/vtm_internal.h"
 #include "vanto/lfn.h"

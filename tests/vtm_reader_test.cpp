@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "host/host.h"
+#include "host/fault.h"
 #include "msg/vtm_internal.h"
 #include "vanto/vtm.h"
 #include "vtmtool/vtm_writer.h"

@@ -8,7 +8,8 @@
 
 #include "app/modtable.h"
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/process.h"
+#include "host/time.h"
 #include "vanto/app.h"
 #include "vanto/lfn.h"
 #include "vanto/locale.h"

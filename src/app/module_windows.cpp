@@ -7,7 +7,7 @@
 #include "app/modtable.h"
 #include "base/format.h"
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/module.h"
 #include "vanto/app.h"
 #include "vanto/ini.h"
 #include "vanto/lfn.h"

@@ -16,7 +16,7 @@
 #include "base/strbuf.h"
 #include "cal/cal_state.h"
 #include "cal/odbc_timestamp.h"
-#include "host/host.h"
+#include "host/time.h"
 #include "vanto/ini.h"
 #include "vanto/locale.h"
 #include "vanto/msg.h"

@@ -1,7 +1,7 @@
 // The "intl" record, the date print format derived from it, and date texts.
 #include "base/strbuf.h"
 #include "cal/cal_state.h"
-#include "host/host.h"
+#include "host/intl.h"
 #include "vanto/date.h"
 #include "vanto/locale.h"
 #include "vanto/msg.h"

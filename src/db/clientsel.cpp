@@ -5,7 +5,7 @@
 #include <string>
 
 #include "base/port_slot.h"
-#include "host/host.h"
+#include "host/term.h"
 #include "vanto/dsn.h"
 #include "vanto/ini.h"
 #include "vanto/module.h"

@@ -12,7 +12,7 @@
 #include "base/strbuf.h"
 #include "db/db_state.h"
 #include "db/odbc.h"
-#include "host/host.h"
+#include "host/process.h"
 #include "vanto/app.h"
 #include "vanto/db.h"
 #include "vanto/dsn.h"

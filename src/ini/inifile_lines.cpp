@@ -8,7 +8,8 @@
 
 #include "base/names.h"
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/error.h"
+#include "host/file.h"
 #include "ini/ini_stream.h"
 #include "vanto/ini.h"
 #include "vanto/lfn.h"

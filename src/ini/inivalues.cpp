@@ -9,7 +9,7 @@
 #include "base/format.h"
 #include "base/names.h"
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/error.h"
 #include "ini/ini_stream.h"
 #include "vanto/amount.h"
 #include "vanto/ini.h"

@@ -12,7 +12,10 @@
 
 #include "base/names.h"
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/error.h"
+#include "host/file.h"
+#include "host/path.h"
+#include "host/watch.h"
 #include "ini/ini_stream.h"
 #include "vanto/ini.h"
 #include "vanto/msg.h"

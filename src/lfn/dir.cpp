@@ -5,7 +5,7 @@
 
 #include "base/names.h"
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/path.h"
 #include "lfn/lfn_state.h"
 #include "vanto/lfn.h"
 #include "vanto/text.h"

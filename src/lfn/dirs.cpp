@@ -5,7 +5,8 @@
 
 #include "base/format.h"
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/dir.h"
+#include "host/time.h"
 #include "vanto/lfn.h"
 
 namespace {

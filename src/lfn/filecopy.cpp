@@ -8,7 +8,10 @@
 #include <string>
 
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/error.h"
+#include "host/file.h"
+#include "host/path.h"
+#include "host/watch.h"
 #include "vanto/stat.h"
 
 namespace {

@@ -12,7 +12,8 @@
 
 #include "base/names.h"
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/dir.h"
+#include "host/process.h"
 #include "lfn/lfn_state.h"
 #include "vanto/lfn.h"
 #include "vanto/text.h"

@@ -2,7 +2,7 @@
 #include "vanto/lfn.h"
 
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/path.h"
 
 bool Vnt_LfnVolMap(char letter, const char* hostDir) { return vnt::host::volMap(letter, hostDir); }
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "host/host.h"
+#include "host/dir.h"
 #include "vanto/base.h"
 
 /// A find record: what a search handle (VNT_LFN_HFIND) refers to. A new one

@@ -1,6 +1,7 @@
 // The program's own file, directory and name.
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/module.h"
+#include "host/process.h"
 #include "vanto/lfn.h"
 
 namespace {

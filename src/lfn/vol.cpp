@@ -3,7 +3,8 @@
 #include <cstdint>
 
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/dir.h"
+#include "host/path.h"
 #include "lfn/lfn_state.h"
 #include "vanto/lfn.h"
 #include "vanto/msg.h"

@@ -6,7 +6,8 @@
 #include <vector>
 
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/intl.h"
+#include "host/process.h"
 #include "msg/msg_state.h"
 #include "msg/report_internal.h"
 #include "msg/sysmsg.h"

@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "base/names.h"
-#include "host/host.h"
 #include "vanto/ini.h"
 #include "vanto/lfn.h"
 

@@ -11,7 +11,8 @@
 #include <vector>
 
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/file.h"
+#include "host/process.h"
 #include "msg/msg_ini.h"
 #include "msg/msgbox_internal.h"
 #include "vanto/lfn.h"

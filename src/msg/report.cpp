@@ -9,7 +9,8 @@
 
 #include "base/format.h"
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/error.h"
+#include "host/process.h"
 #include "msg/msg_internal.h"
 #include "msg/report_internal.h"
 #include "msg/sysmsg.h"

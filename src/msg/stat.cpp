@@ -11,7 +11,7 @@
 
 #include "base/format.h"
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/time.h"
 #include "msg/stat_state.h"
 #include "vanto/amount.h"
 #include "vanto/ui/progress.h"

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "base/format.h"
-#include "host/host.h"
+#include "host/file.h"
 #include "vanto/vtm.h"
 
 namespace vnt::vtm {

@@ -8,7 +8,7 @@
 
 #include "base/names.h"
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/process.h"
 #include "msg/vtm_internal.h"
 #include "vanto/app.h"
 

@@ -4,7 +4,8 @@
 
 #include "base/port_slot.h"
 #include "base/strbuf.h"
-#include "host/host.h"
+#include "host/file.h"
+#include "host/term.h"
 #include "vanto/lfn.h"
 #include "vanto/text.h"
 #include "vanto/ui/filedlg.h"

@@ -4,7 +4,8 @@
 #include <string>
 
 #include "base/port_slot.h"
-#include "host/host.h"
+#include "host/term.h"
+#include "host/time.h"
 #include "ui/ui_state.h"
 #include "vanto/text.h"
 #include "vanto/ui/msgbox.h"

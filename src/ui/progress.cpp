@@ -7,7 +7,7 @@
 #include <string>
 
 #include "base/port_slot.h"
-#include "host/host.h"
+#include "host/term.h"
 #include "vanto/text.h"
 
 VntProgressEvents::~VntProgressEvents() = default;

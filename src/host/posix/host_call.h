@@ -9,6 +9,9 @@
 
 namespace vnt::host {
 
+/// The descriptor a File holds as its handle.
+inline int fdOf(File::Handle handle) { return static_cast<int>(handle); }
+
 /// Converts `libPath` to its host path and consults the fault table for `op`.
 /// False (errno ENOENT for a name without host form, EIO for an injected
 /// fault) when the call must not go on.

@@ -53,11 +53,11 @@ bool File::openReplacement(const char* targetLibPath, std::string& tempLibPath) 
 }
 
 bool File::sync() {
-    if (fd_ < 0) {
+    if (fdOf(handle_) < 0) {
         errno = EBADF;
         return false;
     }
-    return ::fsync(fd_) == 0;
+    return ::fsync(fdOf(handle_)) == 0;
 }
 
 namespace {
@@ -78,7 +78,7 @@ bool writeAll(int fd, std::uint64_t pos, const char* p, std::size_t n, std::size
 }  // namespace
 
 bool File::write(const void* buf, std::size_t n) {
-    if (fd_ < 0) {
+    if (fdOf(handle_) < 0) {
         errno = EBADF;
         return false;
     }
@@ -89,7 +89,7 @@ bool File::write(const void* buf, std::size_t n) {
     // An injected full disk takes what fits and refuses the rest.
     const std::size_t room = faultWriteRoom(faultName(), n);
     std::size_t done = 0;
-    const bool ok = writeAll(fd_, pos_, static_cast<const char*>(buf), room, done);
+    const bool ok = writeAll(fdOf(handle_), pos_, static_cast<const char*>(buf), room, done);
     pos_ += done;
     if (ok && room < n) errno = ENOSPC;
     return ok && room == n;
@@ -97,13 +97,13 @@ bool File::write(const void* buf, std::size_t n) {
 
 std::size_t File::copyFrom(File& src, void* buf, std::size_t n, CopyFail& fail) {
     fail = CopyFail::None;
-    if (src.fd_ < 0 || faultHit(Op::Read, src.faultName())) {
-        errno = src.fd_ < 0 ? EBADF : EIO;
+    if (fdOf(src.handle_) < 0 || faultHit(Op::Read, src.faultName())) {
+        errno = fdOf(src.handle_) < 0 ? EBADF : EIO;
         fail = CopyFail::Read;
         return 0;
     }
-    if (fd_ < 0 || faultHit(Op::Write, faultName())) {
-        errno = fd_ < 0 ? EBADF : EIO;
+    if (fdOf(handle_) < 0 || faultHit(Op::Write, faultName())) {
+        errno = fdOf(handle_) < 0 ? EBADF : EIO;
         fail = CopyFail::Write;
         return 0;
     }
@@ -119,7 +119,7 @@ std::size_t File::copyFrom(File& src, void* buf, std::size_t n, CopyFail& fail) 
     // buffer, which also tells which side failed.
     loff_t in = static_cast<loff_t>(src.pos_), out = static_cast<loff_t>(pos_);
     ssize_t c;
-    do c = ::copy_file_range(src.fd_, &in, fd_, &out, n, 0);
+    do c = ::copy_file_range(fdOf(src.handle_), &in, fdOf(handle_), &out, n, 0);
     while (c < 0 && errno == EINTR);
     if (c >= 0) {
         src.pos_ += static_cast<std::uint64_t>(c);
@@ -130,7 +130,7 @@ std::size_t File::copyFrom(File& src, void* buf, std::size_t n, CopyFail& fail) 
     std::size_t got = 0;
     auto* p = static_cast<char*>(buf);
     while (got < n) {
-        ssize_t r = ::pread(src.fd_, p + got, n - got, static_cast<off_t>(src.pos_ + got));
+        ssize_t r = ::pread(fdOf(src.handle_), p + got, n - got, static_cast<off_t>(src.pos_ + got));
         if (r < 0 && errno == EINTR) continue;
         if (r < 0) {
             fail = CopyFail::Read;
@@ -141,7 +141,7 @@ std::size_t File::copyFrom(File& src, void* buf, std::size_t n, CopyFail& fail) 
     }
     src.pos_ += got;
     std::size_t done = 0;
-    const bool ok = writeAll(fd_, pos_, p, got, done);
+    const bool ok = writeAll(fdOf(handle_), pos_, p, got, done);
     pos_ += done;
     if (!ok) {
         fail = CopyFail::Write;
@@ -152,17 +152,18 @@ std::size_t File::copyFrom(File& src, void* buf, std::size_t n, CopyFail& fail) 
 
 bool File::copyTimeFrom(File& other) {
     struct stat st;
-    if (fd_ < 0 || other.fd_ < 0 || ::fstat(other.fd_, &st) != 0) return false;
+    if (fdOf(handle_) < 0 || fdOf(other.handle_) < 0 || ::fstat(fdOf(other.handle_), &st) != 0) return false;
     const timespec times[2] = {st.st_atim, st.st_mtim};
-    return ::futimens(fd_, times) == 0;
+    return ::futimens(fdOf(handle_), times) == 0;
 }
 
 bool File::reserve(std::uint64_t size) {
-    return fd_ >= 0 && size > 0 && ::fallocate(fd_, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) == 0;
+    return fdOf(handle_) >= 0 && size > 0 &&
+           ::fallocate(fdOf(handle_), FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) == 0;
 }
 
 void File::adviseSequential() {
-    if (fd_ >= 0) ::posix_fadvise(fd_, 0, 0, POSIX_FADV_SEQUENTIAL);
+    if (fdOf(handle_) >= 0) ::posix_fadvise(fdOf(handle_), 0, 0, POSIX_FADV_SEQUENTIAL);
 }
 
 }  // namespace vnt::host

@@ -1,4 +1,4 @@
-// Ending the process (src/host/host.h).
+// Ending the process (src/host/process.h).
 #include <cstdio>
 #include <cstdlib>
 

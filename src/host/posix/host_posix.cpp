@@ -298,10 +298,10 @@ bool fromHost(const char* hostPath, std::string& libPath) {
 File& File::operator=(File&& o) noexcept {
     if (this != &o) {
         close();
-        fd_ = o.fd_;
+        handle_ = o.handle_;
         pos_ = o.pos_;
         faultName_ = std::move(o.faultName_);
-        o.fd_ = -1;
+        o.handle_ = kNoHandle;
     }
     return *this;
 }
@@ -324,8 +324,8 @@ bool File::openRead(const char* libPath) {
     return true;
 }
 
-void File::opened(int fd, const char* libPath) {
-    fd_ = fd;
+void File::opened(Handle fd, const char* libPath) {
+    handle_ = fd;
     pos_ = 0;
     if (faultByName()) faultName_ = libPath;
 }
@@ -349,15 +349,15 @@ static std::size_t readFull(int fd, void* buf, std::size_t n, std::uint64_t pos,
 }
 
 std::size_t File::read(void* buf, std::size_t n) {
-    std::size_t got = readFull(fd_, buf, n, pos_, faultName());
+    std::size_t got = readFull(fdOf(handle_), buf, n, pos_, faultName());
     pos_ += got;
     return got;
 }
 
-std::size_t File::readAt(void* buf, std::size_t n, std::uint64_t pos) { return readFull(fd_, buf, n, pos, faultName()); }
+std::size_t File::readAt(void* buf, std::size_t n, std::uint64_t pos) { return readFull(fdOf(handle_), buf, n, pos, faultName()); }
 
 bool File::seek(std::uint64_t pos) {
-    if (fd_ < 0) return false;
+    if (fdOf(handle_) < 0) return false;
     if (faultHit(Op::Seek, faultName())) {
         errno = EIO;
         return false;
@@ -373,13 +373,13 @@ bool File::seek(std::uint64_t pos) {
 
 std::int64_t File::size() {
     struct stat st;
-    if (fd_ < 0 || ::fstat(fd_, &st) != 0) return -1;
+    if (fdOf(handle_) < 0 || ::fstat(fdOf(handle_), &st) != 0) return -1;
     return static_cast<std::int64_t>(st.st_size);
 }
 
 void File::close() {
-    if (fd_ >= 0) ::close(fd_);
-    fd_ = -1;
+    if (fdOf(handle_) >= 0) ::close(fdOf(handle_));
+    handle_ = kNoHandle;
     pos_ = 0;
     faultName_.clear();
 }
