@@ -68,12 +68,6 @@ TEST(StatTotals, MonthsAndIsoWeeksOnBothSidesOfTheirLimits) {
          {{2015, 12, 1, 1.00, 1.00}, {2016, 1, 3, 3.00, 3.00}, {2016, 12, 1, 1.00, 1.00}, {2017, 1, 2, 2.00, 2.00}},
          {{2015, 53, 3, 3.00, 3.00}, {2016, 1, 1, 1.00, 1.00}, {2016, 52, 2, 2.00, 2.00}, {2017, 1, 1, 1.00, 1.00}},
          0},
-        {"the last and the first day of a month, a leap day",
-         {{day(2024, 1, 31), 1.00, 0}, {day(2024, 2, 1), 1.00, 0}, {day(2024, 2, 29), 1.00, 0},
-          {day(2024, 3, 1), 1.00, 0}},
-         {{2024, 1, 1, 1.00, 1.00}, {2024, 2, 2, 2.00, 2.00}, {2024, 3, 1, 1.00, 1.00}},
-         {{2024, 5, 2, 2.00, 2.00}, {2024, 9, 2, 2.00, 2.00}},
-         0},
         {"each order's VAT is rounded on its own: three times 0.05 at 7 % stays 0.15",
          {{day(2023, 6, 5), 0.05, 7}, {day(2023, 6, 6), 0.05, 7}, {day(2023, 6, 7), 0.05, 7},
           {day(2023, 6, 8), 1.05, 19}},
@@ -352,12 +346,14 @@ TEST_F(DeskModules, BackupCopiesTheTreeWithItsTimesAndCancelKeepsTheOldOne) {
     // Cancel while the copy is under way: the old backup stays, the partial copy goes.
     writeFile(data / "Neu.txt", "neu\n");
     bool confirmed = false;
+    std::string shot;
     Poller cancel([&] {
         const fs::path fresh = inst_ / "Sicherung" / "M3.neu";
         std::error_code ec;
         if (!fs::exists(fresh / "Archiv", ec) || fs::is_empty(fresh / "Archiv", ec)) return false;
         wxDialog* status = findDialog([](wxDialog* d) { return d->GetTitle() == "Datensicherung"; });
         if (!status) return false;
+        shot = picture(status, "desk_backup_DEU");
         status->Close();  // Cancel, with the question
         wxDialog* question = findDialog([](wxDialog* d) { return d->FindWindow(wxID_YES) != nullptr; });
         if (!question) return false;
@@ -368,6 +364,7 @@ TEST_F(DeskModules, BackupCopiesTheTreeWithItsTimesAndCancelKeepsTheOldOne) {
     });
     EXPECT_EQ(run(51), 0);
     EXPECT_TRUE(confirmed) << "cancelled during the copy";
+    EXPECT_TRUE(fs::is_regular_file(shot));
     EXPECT_TRUE(boxes_.shown.empty()) << "a Cancel needs no message";
     EXPECT_EQ(snapshot(backup), first);
     std::vector<std::string> left;
