@@ -7,6 +7,7 @@
 // Answers 1 on success, 0 on failure or Cancel.
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -58,7 +59,7 @@ VNT_APP_MODULE_EXPORT std::intptr_t DeskBackupMain(long /*arg1*/, long /*arg2*/)
     // The data directory (relative to the current directory when relative)
     // and the last part of its name.
     VNT_PATH source{};
-    std::strncpy(source, Vnt_AppDataPath(), sizeof source - 1);
+    std::snprintf(source, sizeof source, "%s", Vnt_AppDataPath());  // both 260 characters
     for (std::size_t n = std::strlen(source); n > 0 && source[n - 1] == '\\'; --n) source[n - 1] = '\0';
     Vnt_LfnNameMakeAbs(source);
     const char* slash = std::strrchr(source, '\\');

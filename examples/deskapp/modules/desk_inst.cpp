@@ -79,23 +79,18 @@ VNT_APP_MODULE_EXPORT std::intptr_t DeskInstCreate(long arg1, long /*arg2*/) {
     // The directory, the database and its name while it is made must all
     // fit the library's paths.
     VNT_PATH dir{}, dbFile{}, dbTemp{};
-    const std::size_t tempExtra = std::strlen(".neu");
-    bool fits = std::strlen(path) < sizeof dir;
-    if (fits) {
-        std::strcpy(dir, path);
-        fits = Vnt_LfnNameMakeAbs(dir) && Vnt_LfnNameMake(dbFile, dir, dbName, nullptr) &&
-               std::strlen(dbFile) + tempExtra < sizeof dbTemp;
-    }
+    const int tempExtra = 4;  // ".neu"
+    const bool fits = std::snprintf(dir, sizeof dir, "%s", path) < static_cast<int>(sizeof dir) &&
+                      Vnt_LfnNameMakeAbs(dir) && Vnt_LfnNameMake(dbFile, dir, dbName, nullptr) &&
+                      std::snprintf(dbTemp, sizeof dbTemp, "%s.neu", dbFile) < static_cast<int>(sizeof dbTemp);
     if (!fits) {
         Tell("!Der Pfad des neuen Mandanten ist zu lang:\n%s\n\nEin Pfad mit der Datenbank darf höchstens %d Zeichen "
              "haben.",
              "!The path of the new client is too long:\n%s\n\nA path with its database may have at most %d "
              "characters.",
-             Vnt_LfnNameOut(path, 60), static_cast<int>(sizeof dbTemp - 1 - tempExtra));
+             Vnt_LfnNameOut(path, 60), static_cast<int>(sizeof dbTemp) - 1 - tempExtra);
         return 0;
     }
-    std::strcpy(dbTemp, dbFile);
-    std::strcat(dbTemp, ".neu");
     // An existing database is the client's: kept as it is.
     if (Vnt_LfnFileFind(dbFile, nullptr)) return 1;
 
