@@ -316,7 +316,7 @@ TEST_F(IniFile, StandardFilesAndTheirNames) {
     EXPECT_TRUE(box.shown.empty());
     // The application file renames the files and directories, read once.
     vnt::ini::reset();
-    vnt::app::resetPaths();
+    Vnt_AppSetDataPath("");
     appVtm({"[Settings]", "USR=Benutzer", "UsrStd=Gast", "UserIni=Me.ini", "DatIni=D.ini", "Width=12x"});
     EXPECT_EQ(std::string(Vnt_IniUserFile(buf)), prog + "\\Benutzer\\Gast\\Me.ini");
     EXPECT_EQ(std::string(Vnt_IniDatFile(buf, "Own.ini")), "Own.ini") << "no data path set";

@@ -253,7 +253,7 @@ TEST_F(Stat, CancelIsConfirmed) {
             EXPECT_EQ(stat.IsCancel(), r.cancelled);  // it stays
             EXPECT_TRUE(!view.confirmOpen && view.enabled && view.cancelShown && view.cancelEnabled);
         }
-        vnt::msg::resetStat();  // the first confirmation of the process again
+        vnt::copy::resetStat();  // the first confirmation of the process again
     }
     EXPECT_TRUE(box.shown.empty());
 }

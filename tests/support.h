@@ -2,8 +2,8 @@
 #pragma once
 
 #include "app/modtable.h"
-#include "app/paths.h"
 #include "cal/cal_state.h"
+#include "copy/stat_state.h"
 #include "db/db_state.h"
 #include "host/host.h"
 #include "ini/ini_stream.h"
@@ -11,7 +11,6 @@
 #include "lfn/lfn_state.h"
 #include "lib/reset.h"
 #include "msg/msg_internal.h"
-#include "msg/stat_state.h"
 #include "msg/vtm_internal.h"
 #include "ui/ui_state.h"
 #include "vanto/ini.h"

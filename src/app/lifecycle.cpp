@@ -10,6 +10,7 @@
 #include "base/strbuf.h"
 #include "host/process.h"
 #include "host/time.h"
+#include "msg/upcalls.h"
 #include "vanto/app.h"
 #include "vanto/lfn.h"
 #include "vanto/locale.h"
@@ -94,6 +95,12 @@ void Vnt_AppMainExitApplication(int code) {
     if (VNT_HWND main = win.MainWindow()) win.Destroy(main);
     vnt::host::exitProcess(code);
 }
+
+namespace {
+// The message layer ends the application this way after a report the user
+// did not confirm.
+[[maybe_unused]] const bool endInstalled = (vnt::msg::upcalls().endApplication = Vnt_AppMainExitApplication, true);
+}  // namespace
 
 void (*Vnt_AppSetConnCloseHook(void (*closeConnection)()))() {
     void (*old)() = state().connClose;

@@ -186,76 +186,90 @@ bool resolveIni(const char* file, const char* spec, VNT_APP_MODFLAGS flags, char
     return true;
 }
 
-// The steps of a load by name; the caller clears the allow-load mark.
-bool loadByName(const char* fileArg, long arg1, long arg2, const char* function, VNT_APP_MODFLAGS flags,
-                const char* display) {
-    ModState& st = modState();
-    VntWindowPort& port = Vnt_UiWindow();
-    char args[261] = "";
-    char file[261];
-    vnt::copyBounded(file, fileArg);
-    const char* fn = function ? function : "";
-    const char* shown = display && *display ? display : file;
+// What a load by name works on.
+struct Request {
+    char file[261];         // the module's file (or program)
+    char args[261] = "";    // the argument text an INI module's entry gives
+    const char* fn;         // the entry function ("" for the default)
+    const char* shown;      // the name the user sees
+};
 
+enum class Step { Go, Done, Failed };
+
+/*
+ * A help module opens the help and is done; an INI module takes its file and
+ * arguments from the INI entry it names. Either reports when it fails.
+ */
+Step resolveRequest(Request& rq, VNT_APP_MODFLAGS flags, const char* display) {
+    ModState& st = modState();
     if (flags & VNT_APP_MOD_HELP) {
-        if (openHelp(file, fn, st.current ? st.current->nModule : 0)) return true;
+        if (openHelp(rq.file, rq.fn, st.current ? st.current->nModule : 0)) return Step::Done;
         vnt::host::Error err = vnt::host::lastError();
         if (!err) err = vnt::host::errorOf(vnt::host::ErrorKind::NotFound);
         st.current = nullptr;
-        reportFailure(err.code, vnt::host::errorText(err), file, shown, flags);
-        return false;
+        reportFailure(err.code, vnt::host::errorText(err), rq.file, rq.shown, flags);
+        return Step::Failed;
     }
     if (flags & VNT_APP_MOD_INI) {
         char path[261] = "";
-        if (!resolveIni(file, fn, flags, path, args)) {
+        if (!resolveIni(rq.file, rq.fn, flags, path, rq.args)) {
             st.current = nullptr;
             const vnt::host::Error err = vnt::host::errorOf(vnt::host::ErrorKind::NotFound);
-            reportFailure(err.code, vnt::host::errorText(err), file, shown, flags);
-            return false;
+            reportFailure(err.code, vnt::host::errorText(err), rq.file, rq.shown, flags);
+            return Step::Failed;
         }
-        vnt::copyBounded(file, path);
-        fn = "";
-        shown = display && *display ? display : file;
+        vnt::copyBounded(rq.file, path);
+        rq.fn = "";
+        rq.shown = display && *display ? display : rq.file;
     }
-    if (MOD_IE(file[0] == '\0', 1)) return false;
-    if (flags & VNT_APP_MOD_ALLOW) st.allowLoad = true;
+    return Step::Go;
+}
 
+/*
+ * Whether another module lets this one load: the exclusive module is asked
+ * to close first; a current single-instance module with a window is only
+ * activated (Done); one that asks first may refuse.
+ */
+Step mayLoad() {
+    ModState& st = modState();
+    VntWindowPort& port = Vnt_UiWindow();
     if (st.exclusive && !st.allowLoad) {
-        if (Vnt_MsgSys(kMsgExclusiveOpen, st.exclusive->szDescription) != VNT_RESP_OK) return false;
+        if (Vnt_MsgSys(kMsgExclusiveOpen, st.exclusive->szDescription) != VNT_RESP_OK) return Step::Failed;
         VNT_HWND win = st.exclusive ? st.exclusive->hWndMain : nullptr;
         port.Send(win, VNT_WM_CLOSE, 0, 0);
-        if (win && port.IsWindow(win)) return false;
+        if (win && port.IsWindow(win)) return Step::Failed;
     }
     if (VNT_APP_MODINFOEX* cur = st.current) {
         if ((cur->nFlags & VNT_APP_MOD_SINGLE) && cur->hWndMain && port.IsWindow(cur->hWndMain)) {
             port.Send(port.MainWindow(), VNT_WM_MDIACTIVATE, reinterpret_cast<std::uintptr_t>(cur->hWndMain), 0);
-            return true;
+            return Step::Done;
         }
         if ((cur->nFlags & (VNT_APP_MOD_ASK | VNT_APP_MOD_EXCLUSIVE)) &&
             port.Send(port.MainWindow(), kAskBeforeLoad, 0, 0) != 0)
-            return false;
+            return Step::Failed;
     }
+    return Step::Go;
+}
 
-    const bool hasPath = Vnt_LfnNameIsPath(file);
-    char full[VNT_MAX_PATH];
-    if (hasPath) vnt::copyBounded(full, file);
-    else Vnt_LfnNameMake(full, vnt::app::startDir().c_str(), file, nullptr);
-    const char* entry = *fn ? fn : (st.defaultFunction ? st.defaultFunction : "");
-    if (MOD_IE(*entry == '\0', 2)) return false;
-
-    char ext[VNT_MAX_PATH];
-    Vnt_LfnNameSplit(full, nullptr, nullptr, ext);
-    const bool program = ext[0] && !vnt::sameText(ext, "dll") && !vnt::sameText(ext, "so");
+/*
+ * Starts the program `full` (then the bare name, found on PATH), or loads the
+ * module library (the current module's when it is loaded already, else
+ * `full`, then the bare name by the host's search). False after the failure
+ * is reported.
+ */
+bool startOrLoad(const Request& rq, const char* full, bool hasPath, bool program, VNT_APP_MODFLAGS flags,
+                 VNT_HINSTANCE& inst) {
+    ModState& st = modState();
     bool started = false;
-    VNT_HINSTANCE inst = nullptr;
+    inst = nullptr;
     unsigned long code = 0;
     std::string why;
     if (program) {
         char dir[VNT_MAX_PATH];
         if (hasPath) Vnt_LfnNameSplit(full, dir, nullptr, nullptr);
         else vnt::copyBounded(dir, progDir());
-        started = vnt::host::startProgram(full, args, dir);
-        if (!started && !hasPath) started = vnt::host::startProgram(file, args, dir);
+        started = vnt::host::startProgram(full, rq.args, dir);
+        if (!started && !hasPath) started = vnt::host::startProgram(rq.file, rq.args, dir);
         if (!started) {
             code = vnt::host::lastError().code;
             why = vnt::host::lastErrorText();
@@ -264,21 +278,29 @@ bool loadByName(const char* fileArg, long arg1, long arg2, const char* function,
         inst = st.current->hInstance;
     } else {
         void* h = vnt::host::moduleLoad(full);
-        if (!h && !hasPath) h = vnt::host::moduleLoad(file);
+        if (!h && !hasPath) h = vnt::host::moduleLoad(rq.file);
         if (!h) {
             code = vnt::host::lastError().code;
             why = vnt::host::moduleError();
         }
         inst = static_cast<VNT_HINSTANCE>(h);
     }
-    if (!started && !inst) {
-        st.current = nullptr;
-        reportFailure(code, why, full, shown, flags);
-        return false;
-    }
-    if (flags & VNT_APP_MOD_EXCLUSIVE) st.exclusive = st.current;
-    if (program) return true;
+    if (started || inst) return true;
+    st.current = nullptr;
+    reportFailure(code, why, full, rq.shown, flags);
+    return false;
+}
 
+/*
+ * Calls the module's entry function. A plain result is the load's result
+ * (the library is freed unless the module is to be kept); a document
+ * template opens its new document, which keeps the library loaded until the
+ * template's last window closed. A template that opened no document is kept
+ * itself, so that it is still destroyed with its library.
+ */
+bool callEntry(VNT_HINSTANCE inst, const char* entry, long arg1, long arg2, VNT_APP_MODFLAGS flags,
+               const char* shown) {
+    ModState& st = modState();
     auto call = reinterpret_cast<VNT_APP_MODENTRY>(vnt::host::moduleSymbol(inst, entry));
     if (!call) {
         Vnt_MsgSys(kMsgNoEntry, entry, shown);
@@ -291,15 +313,42 @@ bool loadByName(const char* fileArg, long arg1, long arg2, const char* function,
         if (!(flags & VNT_APP_MOD_KEEP)) vnt::app::freeLibrary(inst, st.current);
         return true;
     }
-    // A document template: its new document keeps the library loaded until
-    // the template's last window closed. A template that opened no document
-    // is kept itself, so that it is still destroyed with its library.
     auto* tmpl = reinterpret_cast<VntDocTemplate*>(r);
     VntDocTemplate* docTemplate = tmpl->OpenNewDocument();
     if (MOD_IE(st.current == nullptr, 7)) return false;
     st.current->pDocTemplate = docTemplate ? docTemplate : tmpl;
     st.current->hInstance = inst;
     return true;
+}
+
+// A load by name, step by step; the caller clears the allow-load mark.
+bool loadByName(const char* fileArg, long arg1, long arg2, const char* function, VNT_APP_MODFLAGS flags,
+                const char* display) {
+    ModState& st = modState();
+    Request rq;
+    vnt::copyBounded(rq.file, fileArg);
+    rq.fn = function ? function : "";
+    rq.shown = display && *display ? display : rq.file;
+    if (const Step s = resolveRequest(rq, flags, display); s != Step::Go) return s == Step::Done;
+    if (MOD_IE(rq.file[0] == '\0', 1)) return false;
+    if (flags & VNT_APP_MOD_ALLOW) st.allowLoad = true;
+    if (const Step s = mayLoad(); s != Step::Go) return s == Step::Done;
+
+    const bool hasPath = Vnt_LfnNameIsPath(rq.file);
+    char full[VNT_MAX_PATH];
+    if (hasPath) vnt::copyBounded(full, rq.file);
+    else Vnt_LfnNameMake(full, vnt::app::startDir().c_str(), rq.file, nullptr);
+    const char* entry = *rq.fn ? rq.fn : (st.defaultFunction ? st.defaultFunction : "");
+    if (MOD_IE(*entry == '\0', 2)) return false;
+
+    char ext[VNT_MAX_PATH];
+    Vnt_LfnNameSplit(full, nullptr, nullptr, ext);
+    const bool program = ext[0] && !vnt::sameText(ext, "dll") && !vnt::sameText(ext, "so");
+    VNT_HINSTANCE inst = nullptr;
+    if (!startOrLoad(rq, full, hasPath, program, flags, inst)) return false;
+    if (flags & VNT_APP_MOD_EXCLUSIVE) st.exclusive = st.current;
+    if (program) return true;
+    return callEntry(inst, entry, arg1, arg2, flags, rq.shown);
 }
 
 }  // namespace

@@ -1,46 +1,27 @@
-// The process-wide paths of the current client (vanto/app.h).
-
-#include "app/paths.h"
+// The process-wide paths of the current client (vanto/app.h), kept in
+// lfn/client_paths.h.
 
 #include "base/strbuf.h"
+#include "lfn/client_paths.h"
 #include "vanto/app.h"
 
-namespace {
-
-struct PathState {
-    char dsn[VNT_MAX_PATH] = {};       // data source name of the current client
-    char dataPath[VNT_MAX_PATH] = {};  // its data directory
-    char ddPath[VNT_MAX_PATH] = {};    // its DD directory
-};
-
-PathState& state() {
-    static PathState s;
-    return s;
-}
-
-}  // namespace
-
-namespace vnt::app {
-
-void resetPaths() { state() = PathState{}; }
-
-}  // namespace vnt::app
+using vnt::lfn::clientPaths;
 
 bool Vnt_AppSetDSN(const char* value) {
-    vnt::copyBounded(state().dsn, value);
+    vnt::copyBounded(clientPaths().dsn, value);
     return true;
 }
 
 bool Vnt_AppSetDataPath(const char* value) {
-    vnt::copyBounded(state().dataPath, value);
+    vnt::copyBounded(clientPaths().dataPath, value);
     return true;
 }
 
 bool Vnt_AppSetDDPath(const char* value) {
-    vnt::copyBounded(state().ddPath, value);
+    vnt::copyBounded(clientPaths().ddPath, value);
     return true;
 }
 
-const char* Vnt_AppDSN() { return state().dsn; }
-const char* Vnt_AppDataPath() { return state().dataPath; }
-const char* Vnt_AppDDPath() { return state().ddPath; }
+const char* Vnt_AppDSN() { return clientPaths().dsn; }
+const char* Vnt_AppDataPath() { return clientPaths().dataPath; }
+const char* Vnt_AppDDPath() { return clientPaths().ddPath; }

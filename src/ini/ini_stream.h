@@ -59,6 +59,10 @@ struct EngineState {
 
 /// Thrown by a failed DX write to end DoDataExchange; only Write() catches it.
 struct ExchangeAborted {};
+/// A failed write aborts the exchange; Write() catches it and answers false.
+inline void written(bool ok) {
+    if (!ok) throw ExchangeAborted{};
+}
 
 EngineState& engine();
 /// Drops the state: buffers emptied, the library-wide object closed.

@@ -11,7 +11,6 @@
 #include "base/strbuf.h"
 #include "host/error.h"
 #include "ini/ini_stream.h"
-#include "vanto/amount.h"
 #include "vanto/ini.h"
 
 namespace {
@@ -103,23 +102,6 @@ bool VntIni::WriteInt(const char* entry, long value, int num, long def) {
     return WriteStr(entry, value == def ? nullptr : numberText(value), num);
 }
 
-void VntIni::ReadFloat(const char* entry, double def, double& out, int decimals, int num) {
-    std::string defText;
-    Vnt_FloatToStr(defText, def, decimals, true);
-    char buf[60];
-    if (ReadStr(entry, defText.c_str(), buf, sizeof buf, num) == 0)
-        out = def;
-    else
-        Vnt_FloatFromStr(buf, &out, decimals);
-}
-
-bool VntIni::WriteFloat(const char* entry, double value, int decimals, int num, double def) {
-    const bool same = !(value < def) && !(value > def);
-    std::string text;
-    if (!same) Vnt_FloatToStr(text, value, decimals, true);
-    return WriteStr(entry, same ? nullptr : text.c_str(), num);
-}
-
 /* Reads "x, y, width, height" into the library-wide rectangle, starting
    from the default turned into edges; sizes become right and bottom by
    adding the position. */
@@ -188,10 +170,7 @@ bool VntIni::WriteColor(const char* entry, unsigned long color, int num, const c
 // Data exchange
 // ---------------------------------------------------------------------------
 
-// A failed write aborts the exchange; Write() catches it and answers false.
-static void written(bool ok) {
-    if (!ok) throw vnt::ini::ExchangeAborted{};
-}
+using vnt::ini::written;
 
 void VntIni::DX(bool write, const char* entry, char* buf, unsigned size, const char* def, int num, bool quote) {
     if (write) written(WriteStr(entry, buf, num, quote, nullptr));
@@ -216,11 +195,6 @@ void VntIni::DX(bool write, const char* entry, int& value, int def, int num) {
     long v = value;
     DX(write, entry, v, static_cast<long>(def), num);
     if (!write) value = clamp32(v);
-}
-
-void VntIni::DX(bool write, const char* entry, double& value, double def, int decimals, int num) {
-    if (write) written(WriteFloat(entry, value, decimals, num, 0.0));
-    else ReadFloat(entry, def, value, decimals, num);
 }
 
 void VntIni::DX(bool write, const char* entry, short& value, short def, int num) {

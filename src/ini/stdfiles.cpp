@@ -8,7 +8,7 @@
 
 #include "base/strbuf.h"
 #include "ini/ini_stream.h"
-#include "vanto/app.h"
+#include "lfn/client_paths.h"
 #include "vanto/ini.h"
 #include "vanto/lfn.h"
 
@@ -87,7 +87,7 @@ const char* Vnt_IniUserPath(char (*dst)[VNT_MAX_PATH]) {
     return deliver(s.userPath, dst);
 }
 
-const char* Vnt_IniDatPath(char (*dst)[VNT_MAX_PATH]) { return deliver(Vnt_AppDataPath(), dst); }
+const char* Vnt_IniDatPath(char (*dst)[VNT_MAX_PATH]) { return deliver(vnt::lfn::clientPaths().dataPath, dst); }
 
 char* Vnt_IniAppFile(char (&dst)[VNT_MAX_PATH], const char* name) {
     Vnt_LfnNameMake(dst, Vnt_IniAppPath(), given(name) ? name : "App.vtm", nullptr);

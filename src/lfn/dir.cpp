@@ -14,13 +14,11 @@ namespace {
 
 using vnt::copyBounded;
 
-bool isLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
-
 char upperAscii(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
 
 bool hasVolPrefix(const char* s) { return s != nullptr && s[0] != '\0' && s[1] == ':'; }
 
-bool hasLetterVol(const char* s) { return hasVolPrefix(s) && isLetter(s[0]); }
+using vnt::lfn::hasLetterVol;
 
 }  // namespace
 

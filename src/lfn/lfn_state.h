@@ -71,6 +71,11 @@ struct State {
     char filter[kFilterSize] = {};
 };
 
+/// True when `s` begins with a drive letter and ':' ("c:", "C:\\x").
+inline bool hasLetterVol(const char* s) {
+    return s != nullptr && ((s[0] >= 'A' && s[0] <= 'Z') || (s[0] >= 'a' && s[0] <= 'z')) && s[1] == ':';
+}
+
 /// The state object (a single static instance).
 State& state();
 

@@ -1,16 +1,16 @@
 #include "lib/reset.h"
 
 #include "app/modtable.h"
-#include "app/paths.h"
 #include "cal/cal_state.h"
+#include "copy/stat_state.h"
 #include "db/db_state.h"
 #include "ed/ed_state.h"
 #include "host/host.h"
 #include "ini/ini_stream.h"
 #include "ini/profile.h"
+#include "lfn/client_paths.h"
 #include "lfn/lfn_state.h"
 #include "msg/msg_internal.h"
-#include "msg/stat_state.h"
 #include "msg/vtm_internal.h"
 #include "ui/ui_state.h"
 #include "vanto/ini.h"
@@ -24,16 +24,16 @@ void resetLibrary() {
     db::reset();
     app::resetModules();
     app::resetLifecycle();
-    app::resetPaths();
     Vnt_AppSetProfile(nullptr);
     ini::profileReset();
     cal::reset();
-    msg::resetStat();
+    copy::resetStat();
     msg::resetTexts();
     msg::resetBox();
     msg::resetReports();
     vtm::reset();
     lfn::resetState();
+    lfn::resetClientPaths();
     ui::resetHeadless();
     host::reset();
 }

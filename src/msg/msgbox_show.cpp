@@ -13,8 +13,8 @@
 #include "base/strbuf.h"
 #include "host/file.h"
 #include "host/process.h"
-#include "msg/msg_ini.h"
 #include "msg/msgbox_internal.h"
+#include "msg/upcalls.h"
 #include "vanto/lfn.h"
 #include "vanto/ui/help.h"
 #include "vanto/ui/window.h"
@@ -97,21 +97,13 @@ std::string detailsText(const std::string& description, const std::string& file,
     return format(tmpl, description.c_str(), file.c_str(), line);
 }
 
-// The library's memory of a switched-off message: "0" (or another number
-// reading 0) switches it off; a missing key or a text counts as 1.
 bool suppressed(const std::string& key) {
-    std::string path, value;
-    if (!ini::msgIniPath(path) || !ini::read(path.c_str(), "Msg", key.c_str(), value) || value.empty())
-        return false;
-    std::size_t i = value[0] == '-' || value[0] == '+' ? 1 : 0;
-    if (i >= value.size() || value[i] < '0' || value[i] > '9') return false;
-    while (i < value.size() && value[i] == '0') ++i;
-    return i >= value.size() || value[i] < '0' || value[i] > '9';
+    bool (*isOff)(const std::string&) = upcalls().isSwitchedOff;
+    return isOff && isOff(key);
 }
 
 void suppress(const std::string& key) {
-    std::string path;
-    if (ini::msgIniPath(path)) ini::write(path.c_str(), "Msg", key.c_str(), "0");
+    if (void (*off)(const std::string&) = upcalls().switchOff) off(key);
 }
 
 /*

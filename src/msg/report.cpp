@@ -14,7 +14,7 @@
 #include "msg/msg_internal.h"
 #include "msg/report_internal.h"
 #include "msg/sysmsg.h"
-#include "vanto/app.h"
+#include "msg/upcalls.h"
 #include "vanto/msg.h"
 #include "vanto/vtm.h"
 
@@ -224,7 +224,7 @@ int Vnt_ExceptHandleException__(const char* sourceFile, int line, const VNT_EXCE
     const VNT_RESP r = Vnt_MsgBox(text.c_str(), nullptr, nullptr, false);
     if (r == VNT_RESP_CANCEL) {
         vnt::host::writeExitReason(3, "an exception report was answered Abort: " + text);
-        Vnt_AppMainExitApplication(3);
+        vnt::msg::endApplication(3);
     }
     return r == VNT_RESP_OK ? -1 : 0;
 }

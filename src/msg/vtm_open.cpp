@@ -105,11 +105,151 @@ void validatePreload(VNT_VTM_LIB* lib) {
     }
 }
 
+// A step's result for a failure whose status is already set.
+constexpr long kStatusSet = -1;
+
+/*
+ * Reads the header at `base` and takes its fields: magic and version, the
+ * counts and offsets, the name (which a segment must match). The run-time
+ * fields of the header are cleared, its base set.
+ */
+long readHeader(VNT_VTM_LIB* lib, host::File* file, int64_t base, const char* segName, ShortRead& sr) {
+    unsigned char* h = state().headerBuf;
+    std::memset(h, 0, kHeaderSize);
+    if (base < 0 || (lib->isSegment && !file->seek(uint64_t(base)))) return VNT_VTM_E_OFFSET;
+    if (!readFull(file, h, kHeaderSize, sr)) return VNT_VTM_E_HEAD;
+    std::memset(h + hdr::kRuntime, 0, hdr::kRuntimeLen);
+    if (h[hdr::kAnnex] == 0) std::memset(h + hdr::kAnnex, 0, hdr::kAnnexLen);
+    std::memset(h + hdr::kCursor, 0, 4);
+    putU32(h + hdr::kBase, uint32_t(base));
+
+    if (long st = checkMagic(h)) return st;
+    lib->version = getI32(h + hdr::kVersion);
+    lib->segCount = getI32(h + hdr::kSegCount);
+    lib->baseOffset = int32_t(base);
+    lib->libSize = getI32(h + hdr::kLibSize);
+    lib->indexOffset = getI32(h + hdr::kIndexOfs);
+    lib->textOffset = getI32(h + hdr::kTextOfs);
+    lib->entryCount = getI32(h + hdr::kEntryCount);
+    lib->systemFlag = getI32(h + hdr::kSysFlag);
+    lib->preloadCount = getI32(h + hdr::kPreloadCount);
+    lib->preloadSize = getU32(h + hdr::kPreloadSize);
+    lib->lastPreloadId = getU32(h + hdr::kLastPreloadId);
+    std::memcpy(lib->name, h + hdr::kName, 8);
+    if (lib->segCount > kMaxSegments) return VNT_VTM_E_SEGCOUNT;
+    if (lib->preloadSize > kMaxPreloadSize) return VNT_VTM_E_PRELSIZE;
+    if (segName && (lib->name[0] == 0 || !namesEqual(lib->name, segName))) return VNT_VTM_E_SEGNAME;
+    return 0;
+}
+
+/*
+ * Reads the head (the header and what follows it up to the index) and the
+ * index into one block with room to spare. A head larger than the whole
+ * file, or an index larger than any library file (its size is a 32-bit
+ * field), could never be filled: refused as out of memory. An index that
+ * merely runs past the end of this file is a short read of the index
+ * (status 3), told without allocating room for what is not there.
+ */
+long readIndex(VNT_VTM_LIB* lib, host::File* file, int64_t base, int64_t fileSize, ShortRead& sr) {
+    int64_t headLen = int64_t(lib->indexOffset) - base;
+    if (headLen < 0) return VNT_VTM_E_INDEXOFS;
+    lib->headLength = int32_t(headLen);
+    const std::size_t entrySize = lib->segCount < 1 ? kEntrySize : kDirEntrySize;
+    const int64_t indexBytes = int64_t(lib->entryCount) * int64_t(entrySize);
+    if (lib->entryCount < 0 || indexBytes > INT32_MAX || headLen > fileSize) return VNT_VTM_E_MEMORY;
+    if (int64_t(lib->indexOffset) + indexBytes > fileSize) {
+        const int64_t there = fileSize - int64_t(lib->indexOffset);
+        sr = ShortRead{true, uint64_t(indexBytes), uint64_t(there > 0 ? there : 0)};
+        return VNT_VTM_E_INDEX;
+    }
+    lib->indexPos = std::size_t(std::max<int64_t>(headLen, kHeaderSize));
+    try {
+        lib->block.assign(lib->indexPos + std::size_t(indexBytes) + kSpareIndex, 0);
+    } catch (const std::bad_alloc&) {
+        return VNT_VTM_E_MEMORY;
+    }
+    std::memcpy(lib->block.data(), state().headerBuf, kHeaderSize);
+    if (headLen > int64_t(kHeaderSize) &&
+        !readFull(file, lib->block.data() + kHeaderSize, std::size_t(headLen) - kHeaderSize, sr))
+        return VNT_VTM_E_HEAD;
+
+    if (!file->seek(uint64_t(lib->indexOffset))) return VNT_VTM_E_OFFSET;
+    if (!readFull(file, lib->index(), std::size_t(indexBytes), sr)) return VNT_VTM_E_INDEX;
+    return 0;
+}
+
+/*
+ * Reads the preload area, directly after the index; builds the lookup of
+ * message IDs and checks the preloaded texts against the index.
+ */
+long readPreload(VNT_VTM_LIB* lib, host::File* file, ShortRead& sr) {
+    if (lib->preloadCount > 0) {
+        try {
+            lib->preload.assign(std::size_t(lib->preloadSize) + kSparePreload, 0);
+        } catch (const std::bad_alloc&) {
+            return VNT_VTM_E_MEMORY;
+        }
+        // Only a plain library has text positions (a container's first
+        // directory entry holds a segment offset there).
+        if (lib->messageCount() > 0) lib->setEntryPosition(0, 0);
+        if (!readFull(file, lib->preload.data(), lib->preloadSize, sr)) return VNT_VTM_E_PRELOAD;
+    }
+    try {
+        lib->ids.build(lib->index(), std::size_t(lib->messageCount()));
+    } catch (const std::bad_alloc&) {
+        return VNT_VTM_E_MEMORY;
+    }
+    validatePreload(lib);
+    return 0;
+}
+
+/*
+ * A wholly preloaded main library needs its file no more; the first library
+ * with the system flag becomes the system library, which must be wholly
+ * preloaded (reported otherwise). Neither in the quiet or raw mode.
+ */
+long claimSystemLibrary(VNT_VTM_LIB* lib) {
+    State& s = state();
+    const bool keepAll = s.quiet || s.raw;
+    const long count = lib->messageCount();
+    const bool allPreloaded = count == 0 || lib->entryId(count - 1) <= lib->lastPreloadId;
+    if (!lib->isSegment && !keepAll && lib->segCount == 0 && allPreloaded) {
+        lib->file = nullptr;
+        lib->ownFile.reset();
+    }
+    if (!keepAll && !s.system && lib->segCount == 0 && lib->systemFlag >= 1) {
+        lib->file = nullptr;  // a segment's file stays open for its container
+        lib->ownFile.reset();
+        if (!allPreloaded) {
+            report("SysMsgLib MUST BE PRELOAD.");
+            return kStatusSet;
+        }
+        s.system = lib;
+    }
+    return 0;
+}
+
+// Links a segment at the end of its container's chain, a main library at
+// the end of the list of open libraries.
+void linkIn(VNT_VTM_LIB* lib, VNT_VTM_LIB* parent) {
+    State& s = state();
+    if (lib->isSegment) {
+        VNT_VTM_LIB* last = parent;
+        while (last->chainNext) last = last->chainNext;
+        last->chainNext = lib;
+        lib->chainPrev = last;
+    } else {
+        lib->listPrev = s.tail;
+        (s.tail ? s.tail->listNext : s.head) = lib;
+        s.tail = lib;
+    }
+}
+
 /*
  * Reads a library (or segment) whose header starts at `base` of `file` and
- * links it in: steps 3 to 15 of an open. `ownFile` is the file of a main
- * library (null for a segment, whose file is its parent's); `segName` the
- * requested name of a segment. Null on failure, with the status set and
+ * links it in. `ownFile` is the file of a main library (null for a segment,
+ * whose file is its parent's); `segName` the requested name of a segment.
+ * Null on failure, with the status set, a short read reported and
  * everything freed.
  */
 VNT_VTM_LIB* load(std::unique_ptr<host::File> ownFile, host::File* file, const std::string& path,
@@ -124,128 +264,19 @@ VNT_VTM_LIB* load(std::unique_ptr<host::File> ownFile, host::File* file, const s
     lib->fileSize = fileSize;
     ShortRead sr;
 
-    auto fail = [&](long status) -> VNT_VTM_LIB* {
-        if (status) s.status = status;
+    long status = readHeader(lib, file, base, segName, sr);
+    if (!status) status = readIndex(lib, file, base, fileSize, sr);
+    if (!status) status = readPreload(lib, file, sr);
+    if (!status) status = claimSystemLibrary(lib);
+    if (status) {
+        if (status != kStatusSet) s.status = status;
         if (sr.happened)
             report(format("Error reading \"%s\"\n(%lu bytes requested, %lu bytes read).",
                           path.c_str(), (unsigned long)sr.requested, (unsigned long)sr.got));
         destroy(lib);  // closes a main library's own file
         return nullptr;
-    };
-
-    // 3-4: the header.
-    unsigned char* h = s.headerBuf;
-    std::memset(h, 0, kHeaderSize);
-    if (base < 0 || (lib->isSegment && !file->seek(uint64_t(base)))) return fail(VNT_VTM_E_OFFSET);
-    if (!readFull(file, h, kHeaderSize, sr)) return fail(VNT_VTM_E_HEAD);
-    std::memset(h + hdr::kRuntime, 0, hdr::kRuntimeLen);
-    if (h[hdr::kAnnex] == 0) std::memset(h + hdr::kAnnex, 0, hdr::kAnnexLen);
-    std::memset(h + hdr::kCursor, 0, 4);
-    putU32(h + hdr::kBase, uint32_t(base));
-
-    // 5-6: magic, version, counts, name.
-    if (long st = checkMagic(h)) return fail(st);
-    lib->version = getI32(h + hdr::kVersion);
-    lib->segCount = getI32(h + hdr::kSegCount);
-    lib->baseOffset = int32_t(base);
-    lib->libSize = getI32(h + hdr::kLibSize);
-    lib->indexOffset = getI32(h + hdr::kIndexOfs);
-    lib->textOffset = getI32(h + hdr::kTextOfs);
-    lib->entryCount = getI32(h + hdr::kEntryCount);
-    lib->systemFlag = getI32(h + hdr::kSysFlag);
-    lib->preloadCount = getI32(h + hdr::kPreloadCount);
-    lib->preloadSize = getU32(h + hdr::kPreloadSize);
-    lib->lastPreloadId = getU32(h + hdr::kLastPreloadId);
-    std::memcpy(lib->name, h + hdr::kName, 8);
-    if (lib->segCount > kMaxSegments) return fail(VNT_VTM_E_SEGCOUNT);
-    if (lib->preloadSize > kMaxPreloadSize) return fail(VNT_VTM_E_PRELSIZE);
-    if (segName && (lib->name[0] == 0 || !namesEqual(lib->name, segName)))
-        return fail(VNT_VTM_E_SEGNAME);
-
-    // 7-8: the head and room for the index. A head larger than the whole
-    // file, or an index larger than any library file (its size is a 32-bit
-    // field), could never be filled: refused as out of memory. An index that
-    // merely runs past the end of this file is a short read of the index
-    // (status 3), told without allocating room for what is not there.
-    int64_t headLen = int64_t(lib->indexOffset) - base;
-    if (headLen < 0) return fail(VNT_VTM_E_INDEXOFS);
-    lib->headLength = int32_t(headLen);
-    const std::size_t entrySize = lib->segCount < 1 ? kEntrySize : kDirEntrySize;
-    const int64_t indexBytes = int64_t(lib->entryCount) * int64_t(entrySize);
-    if (lib->entryCount < 0 || indexBytes > INT32_MAX || headLen > fileSize) return fail(VNT_VTM_E_MEMORY);
-    if (int64_t(lib->indexOffset) + indexBytes > fileSize) {
-        const int64_t there = fileSize - int64_t(lib->indexOffset);
-        sr = ShortRead{true, uint64_t(indexBytes), uint64_t(there > 0 ? there : 0)};
-        return fail(VNT_VTM_E_INDEX);
     }
-    lib->indexPos = std::size_t(std::max<int64_t>(headLen, kHeaderSize));
-    try {
-        lib->block.assign(lib->indexPos + std::size_t(indexBytes) + kSpareIndex, 0);
-    } catch (const std::bad_alloc&) {
-        return fail(VNT_VTM_E_MEMORY);
-    }
-    std::memcpy(lib->block.data(), h, kHeaderSize);
-    if (headLen > int64_t(kHeaderSize) &&
-        !readFull(file, lib->block.data() + kHeaderSize, std::size_t(headLen) - kHeaderSize, sr))
-        return fail(VNT_VTM_E_HEAD);
-
-    // 9: the index.
-    if (!file->seek(uint64_t(lib->indexOffset))) return fail(VNT_VTM_E_OFFSET);
-    if (!readFull(file, lib->index(), std::size_t(indexBytes), sr)) return fail(VNT_VTM_E_INDEX);
-
-    // 10: the preload area, directly after the index.
-    if (lib->preloadCount > 0) {
-        try {
-            lib->preload.assign(std::size_t(lib->preloadSize) + kSparePreload, 0);
-        } catch (const std::bad_alloc&) {
-            return fail(VNT_VTM_E_MEMORY);
-        }
-        // Only a plain library has text positions (a container's first
-        // directory entry holds a segment offset there).
-        if (lib->messageCount() > 0) lib->setEntryPosition(0, 0);
-        if (!readFull(file, lib->preload.data(), lib->preloadSize, sr))
-            return fail(VNT_VTM_E_PRELOAD);
-    }
-    try {
-        lib->ids.build(lib->index(), std::size_t(lib->messageCount()));
-    } catch (const std::bad_alloc&) {
-        return fail(VNT_VTM_E_MEMORY);
-    }
-
-    // 11.
-    validatePreload(lib);
-
-    // 12: a wholly preloaded main library needs its file no more.
-    const bool keepAll = s.quiet || s.raw;
-    const long count = lib->messageCount();
-    const bool allPreloaded = count == 0 || lib->entryId(count - 1) <= lib->lastPreloadId;
-    if (!lib->isSegment && !keepAll && lib->segCount == 0 && allPreloaded) {
-        lib->file = nullptr;
-        lib->ownFile.reset();
-    }
-
-    // 13: the first library with the system flag becomes the system library.
-    if (!keepAll && !s.system && lib->segCount == 0 && lib->systemFlag >= 1) {
-        lib->file = nullptr;  // a segment's file stays open for its container
-        lib->ownFile.reset();
-        if (!allPreloaded) {
-            report("SysMsgLib MUST BE PRELOAD.");
-            return fail(0);
-        }
-        s.system = lib;
-    }
-
-    // 15: link it in.
-    if (lib->isSegment) {
-        VNT_VTM_LIB* last = parent;
-        while (last->chainNext) last = last->chainNext;
-        last->chainNext = lib;
-        lib->chainPrev = last;
-    } else {
-        lib->listPrev = s.tail;
-        (s.tail ? s.tail->listNext : s.head) = lib;
-        s.tail = lib;
-    }
+    linkIn(lib, parent);
     lib->refCount++;
     return lib;
 }

@@ -9,8 +9,8 @@
 #include "base/names.h"
 #include "base/strbuf.h"
 #include "host/process.h"
+#include "msg/upcalls.h"
 #include "msg/vtm_internal.h"
-#include "vanto/app.h"
 
 namespace vnt::vtm {
 
@@ -77,7 +77,7 @@ void report(const std::string& detail) {
     // An answer other than OK ends the process at once; kept for compatibility.
     if (hook(text.c_str()) != VNT_RESP_OK) {
         vnt::host::writeExitReason(3, "a report was not confirmed: " + text.substr(1));
-        Vnt_AppMainExitApplication(3);
+        vnt::msg::endApplication(3);
     }
     s.msgBuf[0] = '\0';
 }

@@ -6,7 +6,7 @@
 #include "vanto/stat.h"
 #include "vanto/ui/progress.h"
 
-namespace vnt::msg {
+namespace vnt::copy {
 
 inline constexpr const char* kSourceStat = "Msg/VntStat";
 
@@ -22,4 +22,4 @@ StatState& statState();
 /// Back to a fresh process: positions unset, no window owned. For tests.
 void resetStat();
 
-}  // namespace vnt::msg
+}  // namespace vnt::copy

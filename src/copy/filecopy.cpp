@@ -166,119 +166,152 @@ std::uint32_t VntFileCopy::Copy(const char* source, const char* target) {
     return result;
 }
 
-std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
-    bool ontoItself = false;
-    if (Vnt_LfnFileFind(dst, nullptr)) {
-        ontoItself = sameFile(src, dst);
-        targetAttr_ = static_cast<std::uint32_t>(Vnt_LfnFileAttr());
-        targetTime_ = static_cast<std::uint32_t>(Vnt_LfnFileDateTime());
-        if (overwrite_ == OW_NEVER || (overwrite_ == OW_IFNOTNEWER && targetTime_ > sourceTime_)) {
-            error_ = VNT_FC_SKIPPED;
-            if (!(treeMode_ & 1)) showFile(src, dst, true, 0);
-            return length_;
-        }
-    }
-    if (treeMode_ != TM_COPY) return length_;
+// The files of one copy under way.
+struct VntFileCopy::OneCopy {
+    vnt::host::File in, out;
+    std::string temp;              // the new file beside the target, until it takes its name
+    std::unique_ptr<char[]> buf;   // for a copy the host cannot make by itself
+    std::size_t chunk = kChunk;    // bytes a step copies
+    std::uint32_t bytes = 0;       // copied so far
+    bool ontoItself = false;       // the target is the source under another name
+    bool sourceOpened = false;     // this attempt got as far as the source's data
 
-    std::unique_ptr<char[]> buf(new (std::nothrow) char[kChunk]);
-    if (!buf) {
+    // Closes both files; the new file goes unless it took the target's name.
+    void close() {
+        in.close();
+        out.close();
+        if (!temp.empty()) vnt::host::removeFile(temp.c_str());
+        temp.clear();
+    }
+};
+
+std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
+    OneCopy c;
+    if (keepTarget(src, dst, c.ontoItself) || treeMode_ != TM_COPY) return length_;
+    c.buf.reset(new (std::nothrow) char[kChunk]);
+    if (!c.buf) {
         error_ = VNT_FC_NOMEM;
         return 0;
     }
-    std::size_t chunk = kChunk;
-    std::uint32_t bytes = 0;
     bool done = false;
-    vnt::host::File in, out;
-    // The copy is written under a temporary name beside the target and takes
-    // the target's name only when complete, so that a copy that fails or is
-    // killed never leaves a partial target (nor truncates an old one).
-    std::string temp;
-    auto dropTemp = [&temp] {
-        if (!temp.empty()) vnt::host::removeFile(temp.c_str());
-        temp.clear();
-    };
     for (;;) {
         error_ = VNT_FC_OK;
-        bytes = 0;
-        unsigned long packed = 0;
-        bool sourceOpened = false;
-        if (!Vnt_LfnFileTimeGetp(src, &packed) || !(sourceOpened = in.openRead(src))) {
-            error_ = VNT_FC_SOURCE;
-        } else {
-            in.adviseSequential();
-            // A file shorter than a chunk is read in one piece of its own
-            // length; the length noted is only the low 32 bits, so a short
-            // one is asked of the file itself.
-            if (length_ < kChunk) {
-                const std::int64_t size = in.size();
-                chunk = size < 0 || static_cast<std::uint64_t>(size) >= kChunk ? kChunk
-                                                                               : static_cast<std::size_t>(size);
-            }
-            Vnt_LfnDirCreateFromFile(dst);
-            if (ontoItself) {
-                vnt::host::setLastError(vnt::host::ErrorKind::Invalid);
-                error_ = VNT_FC_TARGET;
-            } else if (out.openReplacement(dst, temp)) {
-                out.reserve(length_);
-            } else {
-                error_ = VNT_FC_TARGET;
-            }
-        }
-        if (error_ == VNT_FC_OK) {
+        c.bytes = 0;
+        if (openFiles(c, src, dst)) {
             if (!showFile(src, dst, false, 0)) break;
-            bool eof = false;
-            while (!eof) {
-                if (stat_->IsCancel()) {
-                    error_ = VNT_FC_CANCEL;
-                    break;
-                }
-                vnt::host::File::CopyFail fail;
-                const std::size_t n = out.copyFrom(in, buf.get(), chunk ? chunk : kChunk, fail);
-                if (fail != vnt::host::File::CopyFail::None) {
-                    error_ = fail == vnt::host::File::CopyFail::Read ? VNT_FC_READ : VNT_FC_WRITE;
-                    break;
-                }
-                if (n == 0) {
-                    eof = true;
-                    break;
-                }
-                bytes += static_cast<std::uint32_t>(n);
-                stat_->Progress(static_cast<unsigned long>(forAll_ ? n : bytes));
-            }
-            if (error_ == VNT_FC_CANCEL) break;  // no question after a cancel
-            if (eof) {
-                // The source's time (to the nanosecond, which the packed form
-                // cannot hold), then the complete file takes the target's name.
-                out.copyTimeFrom(in);
-                const bool synced = out.sync();
-                out.close();
-                if (synced && vnt::host::renameFile(temp.c_str(), dst)) {
-                    temp.clear();
-                    done = true;
-                    break;
-                }
-                error_ = VNT_FC_WRITE;
-            }
+            done = copyData(c, dst);
+            if (done || error_ == VNT_FC_CANCEL) break;  // no question after a cancel
         }
-        // Ask whether to try again, naming the file that failed.
-        const vnt::host::Error err = vnt::host::lastError();
-        const bool missing = err.kind == vnt::host::ErrorKind::NotFound && !sourceOpened;
-        in.close();
-        out.close();
-        dropTemp();
-        vnt::host::setLastError(err);
-        const VNT_RESP r = Vnt_MsgSys(missing ? kMsgNotFound : kMsgCopyFailed,
-                                      displayName(sourceOpened ? dst : src, 38).c_str(),
-                                      vnt::host::errorText(err).c_str());
-        if (r == VNT_RESP_CANCEL || r == VNT_RESP_NO || missing) break;
+        if (!askRetry(c, src, dst)) break;
     }
-
     // A copy that did not finish leaves the target as it was.
-    in.close();
-    out.close();
-    dropTemp();
+    c.close();
     if (stat_ && !forAll_) stat_->SetCount(0, 0);
-    return done ? bytes : 0;
+    return done ? c.bytes : 0;
+}
+
+/*
+ * Whether an existing target stays as it is: never overwritten, or newer
+ * than the source where only an older one is (then said as skipped, unless
+ * a tree is scanned). Notes the target's attributes and time, and whether
+ * it is the source itself under another name.
+ */
+bool VntFileCopy::keepTarget(const char* src, const char* dst, bool& ontoItself) {
+    ontoItself = false;
+    if (!Vnt_LfnFileFind(dst, nullptr)) return false;
+    ontoItself = sameFile(src, dst);
+    targetAttr_ = static_cast<std::uint32_t>(Vnt_LfnFileAttr());
+    targetTime_ = static_cast<std::uint32_t>(Vnt_LfnFileDateTime());
+    if (overwrite_ == OW_NEVER || (overwrite_ == OW_IFNOTNEWER && targetTime_ > sourceTime_)) {
+        error_ = VNT_FC_SKIPPED;
+        if (!(treeMode_ & 1)) showFile(src, dst, true, 0);
+        return true;
+    }
+    return false;
+}
+
+/*
+ * Opens the source (after its time, which tells a missing one) and the new
+ * file that takes the target's name only when complete, so that a copy that
+ * fails or is killed never leaves a partial target (nor truncates an old
+ * one). A copy onto the source itself is refused. False with error_ set.
+ */
+bool VntFileCopy::openFiles(OneCopy& c, const char* src, const char* dst) {
+    unsigned long packed = 0;
+    c.sourceOpened = false;
+    if (!Vnt_LfnFileTimeGetp(src, &packed) || !(c.sourceOpened = c.in.openRead(src))) {
+        error_ = VNT_FC_SOURCE;
+        return false;
+    }
+    c.in.adviseSequential();
+    // A file shorter than a chunk is read in one piece of its own length;
+    // the length noted is only the low 32 bits, so a short one is asked of
+    // the file itself.
+    if (length_ < kChunk) {
+        const std::int64_t size = c.in.size();
+        c.chunk = size < 0 || static_cast<std::uint64_t>(size) >= kChunk ? kChunk : static_cast<std::size_t>(size);
+    }
+    Vnt_LfnDirCreateFromFile(dst);
+    if (c.ontoItself) {
+        vnt::host::setLastError(vnt::host::ErrorKind::Invalid);
+        error_ = VNT_FC_TARGET;
+        return false;
+    }
+    if (!c.out.openReplacement(dst, c.temp)) {
+        error_ = VNT_FC_TARGET;
+        return false;
+    }
+    c.out.reserve(length_);
+    return true;
+}
+
+/*
+ * Copies step by step with the progress shown, then gives the new file the
+ * source's time (to the nanosecond, which the packed form cannot hold) and
+ * the target's name. False with error_ set: cancelled, a read or a write
+ * failed.
+ */
+bool VntFileCopy::copyData(OneCopy& c, const char* dst) {
+    for (;;) {
+        if (stat_->IsCancel()) {
+            error_ = VNT_FC_CANCEL;
+            return false;
+        }
+        vnt::host::File::CopyFail fail;
+        const std::size_t n = c.out.copyFrom(c.in, c.buf.get(), c.chunk ? c.chunk : kChunk, fail);
+        if (fail != vnt::host::File::CopyFail::None) {
+            error_ = fail == vnt::host::File::CopyFail::Read ? VNT_FC_READ : VNT_FC_WRITE;
+            return false;
+        }
+        if (n == 0) break;
+        c.bytes += static_cast<std::uint32_t>(n);
+        stat_->Progress(static_cast<unsigned long>(forAll_ ? n : c.bytes));
+    }
+    c.out.copyTimeFrom(c.in);
+    const bool synced = c.out.sync();
+    c.out.close();
+    if (synced && vnt::host::renameFile(c.temp.c_str(), dst)) {
+        c.temp.clear();
+        return true;
+    }
+    error_ = VNT_FC_WRITE;
+    return false;
+}
+
+/*
+ * Asks whether to try again, naming the file that failed with the host's
+ * reason; a source that is missing is only said. Both files are closed and
+ * the new one removed first.
+ */
+bool VntFileCopy::askRetry(OneCopy& c, const char* src, const char* dst) {
+    const vnt::host::Error err = vnt::host::lastError();
+    const bool missing = err.kind == vnt::host::ErrorKind::NotFound && !c.sourceOpened;
+    c.close();
+    vnt::host::setLastError(err);
+    const VNT_RESP r = Vnt_MsgSys(missing ? kMsgNotFound : kMsgCopyFailed,
+                                  displayName(c.sourceOpened ? dst : src, 38).c_str(),
+                                  vnt::host::errorText(err).c_str());
+    return r != VNT_RESP_CANCEL && r != VNT_RESP_NO && !missing;
 }
 
 bool VntFileCopy::showFile(const char* source, const char* target, bool skipped, std::uint32_t bytes) {

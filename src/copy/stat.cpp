@@ -12,12 +12,12 @@
 #include "base/format.h"
 #include "base/strbuf.h"
 #include "host/time.h"
-#include "msg/stat_state.h"
+#include "copy/stat_state.h"
 #include "vanto/amount.h"
 #include "vanto/ui/progress.h"
 #include "vanto/ui/window.h"
 
-namespace vnt::msg {
+namespace vnt::copy {
 
 StatState& statState() {
     static StatState st;
@@ -26,11 +26,11 @@ StatState& statState() {
 
 void resetStat() { statState() = StatState(); }
 
-}  // namespace vnt::msg
+}  // namespace vnt::copy
 
-using vnt::msg::kSourceStat;
-using vnt::msg::statState;
-using vnt::msg::StatState;
+using vnt::copy::kSourceStat;
+using vnt::copy::statState;
+using vnt::copy::StatState;
 
 // Receives the view's events for one VntStat (which has no base class).
 class VntStatEvents final : public VntProgressEvents {
