@@ -18,6 +18,7 @@ TEST(DbSqlScan, UpdateTable) {
         {"kunden x", "", nullptr},
         // a plain query names its single table
         {"SELECT a FROM t", "t", nullptr},
+        {"SELECT * FROM t", "t", nullptr},
         {"select a, b from t where x = 'union from y'", "t", nullptr},
         {"SELECT * FROM t ORDER BY a", "t", nullptr},
         {"SELECT * FROM t LIMIT 5", "t", nullptr},
@@ -33,6 +34,7 @@ TEST(DbSqlScan, UpdateTable) {
         {"SELECT * FROM (SELECT * FROM t) x", "", nullptr},
         {"SELECT a, b FROM", "", nullptr},
         {"SELECT a FROM", "", nullptr},
+        {"SELECT * FROM", "", nullptr},
         {"UPDATE t SET a = 1", "", nullptr},
         {"", "", nullptr},
     };

@@ -19,7 +19,8 @@ bool identChar(char c) {
 }
 
 // The top-level words of a statement (outside quotes and parentheses) with
-// their positions.
+// their positions; "," and "*" count as words, so that "SELECT * FROM t"
+// has a column list as "SELECT a FROM t" has.
 std::vector<std::pair<std::size_t, std::string_view>> topWords(std::string_view s) {
     std::vector<std::pair<std::size_t, std::string_view>> words;
     int depth = 0;
@@ -39,7 +40,7 @@ std::vector<std::pair<std::size_t, std::string_view>> topWords(std::string_view 
             if (depth == 0) words.emplace_back(i, s.substr(i, e - i));
             i = e;
         } else {
-            if (depth == 0 && c == ',') words.emplace_back(i, s.substr(i, 1));
+            if (depth == 0 && (c == ',' || c == '*')) words.emplace_back(i, s.substr(i, 1));
             ++i;
         }
     }
@@ -62,6 +63,12 @@ std::string updateTable(std::string_view sql, std::string& run) {
     for (std::size_t k = 1; k < words.size() && !from; ++k)
         if (vnt::sameText(words[k].second, "FROM")) from = k;
     if (!from || from + 1 >= words.size()) return {};
+    // The table follows FROM directly: not a subquery, not a "*".
+    const std::size_t fromEnd = words[from].first + words[from].second.size();
+    const std::string_view between = sql.substr(fromEnd, words[from + 1].first - fromEnd);
+    if (words[from + 1].second == "*" ||
+        !std::all_of(between.begin(), between.end(), [](char c) { return vnt::isBlank(c) || c == '\r' || c == '\n'; }))
+        return {};
     std::size_t next = from + 2;
     std::string table(words[from + 1].second);
     // A quoted name may be followed by ".name".
