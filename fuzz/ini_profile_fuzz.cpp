@@ -103,9 +103,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Vnt_ProfileGetString(nullptr, nullptr, "", tiny, sizeof tiny, file);
     Vnt_ProfileGetString(first.c_str(), key.c_str(), "def", tiny, sizeof tiny, file);
 
-    // Written into the first section (a new one when its name cannot be
-    // written), read back from the cache and from disk.
-    const char* sec = first.empty() || first.find_first_of("\r\n]") != std::string::npos ? "Fz" : first.c_str();
+    // Written into the first section (a new one when its name would read
+    // back as another line: a line end, "]", or "[" first), read back from
+    // the cache and from disk.
+    const std::size_t lead = first.find_first_not_of(" \t");
+    const bool unwritable = first.empty() || first.find_first_of("\r\n]") != std::string::npos ||
+                            (lead != std::string::npos && first[lead] == '[');
+    const char* sec = unwritable ? "Fz" : first.c_str();
     const bool ok = Vnt_ProfileWriteString(sec, "FuzzKey", "v 1", file);
     if (std::string(sec).find_first_not_of(" \t") == std::string::npos) {
         if (ok) fail("blank section accepted");

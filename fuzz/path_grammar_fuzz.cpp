@@ -6,6 +6,7 @@
 // component.
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -37,14 +38,19 @@ struct Scratch {
     }
 };
 
-void check(bool ok) {
-    if (!ok) std::abort();
+// Says which condition failed, then ends as a finding.
+void check(bool ok, int line = __builtin_LINE()) {
+    if (ok) return;
+    std::fprintf(stderr, "path_grammar_fuzz: check at line %d failed\n", line);
+    std::abort();
 }
 
 bool terminated(const char* buf, std::size_t size) { return std::memchr(buf, '\0', size) != nullptr; }
 
-// No "." or ".." component after the volume.
+// No "." or ".." component after the volume. A name that is only "." has no
+// separator before its dot, which the resolution keeps.
 bool resolved(const char* name) {
+    if (std::strcmp(name, ".") == 0) return true;
     const char* p = name;
     while (*p) {
         const char* end = std::strchr(p, '\\');
@@ -96,7 +102,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::memcpy(buf, name, part[0].size() + 1);
     if (Vnt_LfnNameMakeAbs(buf)) check(resolved(buf));
     check(terminated(buf, sizeof buf));
-    if (Vnt_LfnNameMakeAbs(buf, name, part[1].empty() ? nullptr : dir)) check(resolved(buf));
+    // Completion (no base) leaves UNC names as they are and ignores what the
+    // dot resolution says, so a name it leaves with dots in must be UNC or
+    // one the resolution refuses.
+    if (Vnt_LfnNameMakeAbs(buf, name, part[1].empty() ? nullptr : dir)) {
+        VNT_PATH again;
+        std::memcpy(again, buf, sizeof buf);
+        const bool unc = buf[0] == '\\' && buf[1] == '\\';
+        check(resolved(buf) || (part[1].empty() && (unc || !Vnt_LfnNameMakeAbs(again))));
+    }
     check(terminated(buf, sizeof buf));
 
     std::memcpy(buf, name, part[0].size() + 1);

@@ -50,14 +50,14 @@ void readSome(VNT_MSG lib) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static InputFile file;
+    static const VNT_VTM_REPORT previous = Vnt_VtmSetReport(quietReport);
+    (void)previous;
     {
         std::FILE* f = std::fopen(file.host.c_str(), "wb");
         if (!f) return 0;
         if (size) std::fwrite(data, 1, size, f);
         std::fclose(f);
     }
-    vnt::vtm::reset();
-    Vnt_VtmSetReport(quietReport);
     VNT_MSG lib = Vnt_VtmOpen(file.lib.c_str());
     if (lib) {
         iterate(lib);
@@ -72,6 +72,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         }
         Vnt_VtmClose(lib);
     }
-    vnt::vtm::reset();
+    // Everything is closed again; only a library a failed segment still
+    // holds (kept for compatibility) needs the reader's state made anew.
+    if (vnt::vtm::liveCount() != 0) {
+        vnt::vtm::reset();
+        Vnt_VtmSetReport(quietReport);
+    }
     return 0;
 }
