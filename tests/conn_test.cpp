@@ -4,6 +4,9 @@
 // client selection with its exit code 2 and its steps with modules.
 #include "conn_fixture.h"
 
+#include <cstdio>
+#include <cstdlib>
+
 #include "vanto/app.h"
 #include "vanto/db.h"
 #include "vanto/module.h"
@@ -288,6 +291,16 @@ TEST_P(ConnLiteDeathTest, NoClientEndsTheApplicationWithCode2) {
             },
             ::testing::ExitedWithCode(2), "exit code 2: no client could be connected: the client list \"T:.INI.dsn.ini\" names no client\n");
     }
+    // A missing list is reported once (the end counts the boxes shown).
+    fs::remove(dir_ / "INI/dsn.ini");
+    static const std::vector<VntBoxModel>* shown;
+    shown = &box.shown;
+    EXPECT_EXIT(
+        {
+            std::atexit(+[] { std::fprintf(stderr, "boxes: %zu\n", shown->size()); });
+            Vnt_DlgDsn("ODBC;", nullptr, false, false);
+        },
+        ::testing::ExitedWithCode(2), "no client could be connected\nboxes: 1\n");
     put("INI/dsn.ini", clients);
     // Headless with the user's default client: connected.
     putLines("USR/Std/User.ini", {"[DSN]", "Default=M\xFCller GmbH"});

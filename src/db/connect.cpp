@@ -282,10 +282,12 @@ bool Vnt_DlgDsn(const char* text, VntDatabase** connection, bool restore, bool d
     }
     if (connection) *connection = st().connection;
     if (!isOpen()) {
-        // A list without clients is the likely cause: said with its name.
+        // A list without clients is the likely cause: said with its name. A
+        // missing list the selection has reported already.
         std::string why = "no client could be connected";
         DsnIni registry;
-        if (registry.LoadSettings() && registry.LoadEntries() && registry.Count() == 0) {
+        if (vnt::db::fileExists(registry.File()) && registry.LoadSettings() && registry.LoadEntries() &&
+            registry.Count() == 0) {
             Vnt_MsgSys(kMsgNoClients, registry.File());
             why = why + ": the client list \"" + registry.File() + "\" names no client";
         }
