@@ -90,11 +90,10 @@ TEST_F(Dsn, ClientsCountedAndNamedByTheirKeys) {
     }
     // FindEntry reads the file: any case, numbers from 1.
     list("[Settings]\r\n[Dsn1]\r\n*=M\xFCller\r\n[Dsn2]\r\nDBQ=T:\\x\r\n[Dsn4]\r\n*=Fern\r\n");
-    DsnIni d;
-    EXPECT_EQ(d.FindEntry("M\xDCLLER"), 1);
-    EXPECT_EQ(d.FindEntry("t:\\X"), 2);
-    EXPECT_EQ(d.FindEntry("Fern"), 0) << "behind a gap";
-    EXPECT_EQ(d.FindEntry(nullptr), 0);
+    DsnIni d;  // "Fern" lies behind a gap
+    for (const auto& [name, number] : std::vector<std::pair<const char*, int>>{
+             {"M\xDCLLER", 1}, {"t:\\X", 2}, {"Fern", 0}, {nullptr, 0}})
+        EXPECT_EQ(d.FindEntry(name), number) << (name ? name : "null");
     EXPECT_TRUE(box.shown.empty());
 }
 
@@ -130,8 +129,7 @@ TEST_F(Dsn, AppendReplaceRemoveAndWrite) {
     EXPECT_EQ(d.CountSections(), 4);
 
     // Without the replace flag an existing name or path is an internal error.
-    EXPECT_EQ(d.AppendEntry("ALPHA", "T:\\neu"), -1);
-    EXPECT_EQ(d.AppendEntry("Neu", "t:\\B"), -1);
+    EXPECT_TRUE(d.AppendEntry("ALPHA", "T:\\neu") == -1 && d.AppendEntry("Neu", "t:\\B") == -1);
     ASSERT_EQ(box.shown.size(), 2u);
     EXPECT_THAT(box.shown[0].text, HasSubstr("code 3"));
     EXPECT_THAT(box.shown[1].text, HasSubstr("code 4"));
@@ -143,18 +141,15 @@ TEST_F(Dsn, AppendReplaceRemoveAndWrite) {
     EXPECT_EQ(d.AppendEntry(nullptr, "T:\\z", 0), 0);
     EXPECT_EQ(d.AppendEntry("Omega", "T:\\o", 99), 4);
     EXPECT_EQ(names(d), "=T:\\z;Alpha=T:\\a;Beta=T:\\b;Gamma=T:\\g;Omega=T:\\o;");
-    EXPECT_EQ(d.RemoveEntry(2), 2);
-    EXPECT_EQ(d.RemoveEntry(), 2) << "the last: the index of the new last";
-    EXPECT_EQ(d.RemoveEntry(7), -1);
+    // Without an index the last goes: the index of the new last.
+    EXPECT_EQ(std::vector<int>({d.RemoveEntry(2), d.RemoveEntry(), d.RemoveEntry(7)}), std::vector<int>({2, 2, -1}));
     ASSERT_TRUE(d.WriteEntries());
     EXPECT_EQ(get(), "[Settings]\r\nCount=3\r\n; clients\r\n[Dsn1]\r\nDtaPth=T:\\z\r\n"
                      "[Dsn2]\r\n*=Alpha\r\nDriver=SQLite3\r\nDtaPth=T:\\a\r\n[Dsn3]\r\nDSN=Gamma\r\n*=Gamma\r\nDtaPth=T:\\g\r\n");
     EXPECT_EQ(box.shown.size(), 2u) << "no question: the file was not changed by others";
 
-    DsnIni none;
-    EXPECT_EQ(none.AppendEntry("x", "y"), -1) << "before the entries are loaded";
-    EXPECT_FALSE(none.WriteEntries());
-    EXPECT_EQ(none.RemoveEntry(), -1);
+    DsnIni none;  // entries not loaded
+    EXPECT_TRUE(none.AppendEntry("x", "y") == -1 && !none.WriteEntries() && none.RemoveEntry() == -1);
 }
 
 TEST_F(Dsn, ChangedAndMovedClientsKeepTheirOtherLines) {
@@ -163,9 +158,8 @@ TEST_F(Dsn, ChangedAndMovedClientsKeepTheirOtherLines) {
     DsnIni d;
     ASSERT_TRUE(d.LoadSettings() && d.LoadEntries());
     // Out of range on either side: nothing changes.
-    EXPECT_FALSE(d.ChangeEntry(-1, "x", "y") || d.ChangeEntry(3, "x", "y"));
-    EXPECT_FALSE(d.MoveEntry(0, 3) || d.MoveEntry(-1, 0) || d.MoveEntry(3, 0));
-    EXPECT_FALSE(d.IsModified());
+    EXPECT_FALSE(d.ChangeEntry(-1, "x", "y") || d.ChangeEntry(3, "x", "y") || d.MoveEntry(0, 3) ||
+                 d.MoveEntry(-1, 0) || d.MoveEntry(3, 0) || d.IsModified());
     EXPECT_TRUE(d.ChangeEntry(1, "Beta", "t:\\B")) << "same path in another case: the lines stay";
     EXPECT_TRUE(d.MoveEntry(2, 0) && d.MoveEntry(0, 2) && d.MoveEntry(0, 2));
     EXPECT_EQ(names(d), "Beta=t:\\B;Gamma=T:\\g;Alpha=T:\\a\\x.db;");

@@ -9,6 +9,8 @@
 #include "vanto/dsndlg.h"
 #include "vanto/module.h"
 
+#include <optional>
+
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 using Outcome = VntDsnEntryEdit::Outcome;
@@ -37,6 +39,8 @@ protected:
         ASSERT_EQ(get(), listText({kM, kS, kK}));
     }
     void TearDown() override {
+        sel_.reset();
+        reg_.reset();
         if (!cwd_.empty()) vnt::host::setCurDir(cwd_);
         Conn::TearDown();
     }
@@ -50,12 +54,21 @@ protected:
         box.shown.clear();
         win.beeps = 0;
     }
+    // The selection over a registry loaded anew (the ones before are gone).
+    VntDsnSelection& open(const VntClientSelectRequest& request = {}) {
+        sel_.reset();
+        reg_.reset();
+        EXPECT_TRUE(reg_.emplace(this).LoadSettings());
+        return sel_.emplace(*reg_, request);
+    }
     std::string boxes() const {
         std::string s;
         for (const auto& b : box.shown) s += b.text + "|";
         return s;
     }
     std::string cwd_;
+    std::optional<DsnIni> reg_;
+    std::optional<VntDsnSelection> sel_;
 };
 INSTANTIATE_TEST_SUITE_P(Sqlite, DsnDlg, ::testing::Values(&kSqlite), vnt::test::byName);
 
@@ -86,11 +99,9 @@ TEST_P(DsnDlg, ListButtonsChangeTheListOnlyWhenSaved) {
     for (const auto& r : rows) {
         SCOPED_TRACE(r.what);
         fresh();
-        DsnIni reg(this);
-        ASSERT_TRUE(reg.LoadSettings());
-        VntDsnSelection sel(reg, {});
+        VntDsnSelection& sel = open();
         sel.Select(r.chosen);
-        const std::string name = r.chosen >= 0 ? reg.Entry(r.chosen)->name : "";
+        const std::string name = r.chosen >= 0 ? sel.Registry().Entry(r.chosen)->name : "";
         for (int a : r.answers) box.answers.push_back({a});
         EXPECT_EQ((sel.*r.act)(), r.result);
         EXPECT_EQ(sel.Selected(), r.chosenAfter);
@@ -106,9 +117,7 @@ TEST_P(DsnDlg, ListButtonsChangeTheListOnlyWhenSaved) {
 
     // Deleting every client leaves none chosen and an empty list.
     fresh();
-    DsnIni reg(this);
-    ASSERT_TRUE(reg.LoadSettings());
-    VntDsnSelection sel(reg, {});
+    VntDsnSelection& sel = open();
     for (int expect : {0, 0, -1}) {
         sel.Select(0);
         ASSERT_TRUE(sel.Delete());
@@ -122,16 +131,14 @@ TEST_P(DsnDlg, ListButtonsChangeTheListOnlyWhenSaved) {
 TEST_P(DsnDlg, CancelAsksAboutChangesAndNeverWrites) {
     fresh();
     ASSERT_TRUE(Vnt_DsnConnectClient("M\xFCller GmbH")) << boxes();
-    DsnIni reg(this);
-    ASSERT_TRUE(reg.LoadSettings());
-    VntDsnSelection sel(reg, {});
+    VntDsnSelection& sel = open();
     EXPECT_FALSE(sel.ListLocked());
     sel.Select(0);
     box.answers = {{VNT_BTN_YES}, {VNT_BTN_NO}, {VNT_BTN_YES}};
     ASSERT_TRUE(sel.Delete());
     EXPECT_FALSE(sel.Cancel()) << "No keeps the dialog";
     EXPECT_TRUE(sel.Cancel());
-    EXPECT_FALSE(reg.IsModified());
+    EXPECT_FALSE(sel.Registry().IsModified());
     EXPECT_EQ(get(), listText({kM, kS, kK}));
     EXPECT_STREQ(Vnt_AppDSN(), "M\xFCller GmbH");
     {
@@ -166,9 +173,7 @@ TEST_P(DsnDlg, OkWritesTheListConnectsAndKeepsTheUsersChoices) {
         vnt::ini::profileReset();
         ASSERT_EQ(Vnt_DsnSelect("ODBC;", false, true), VNT_RESP_CANCEL) << "the scripted port answers Cancel";
         const VntClientSelectRequest req = select.requests.back();
-        DsnIni reg(this);
-        ASSERT_TRUE(reg.LoadSettings());
-        VntDsnSelection sel(reg, req);
+        VntDsnSelection& sel = open(req);
         EXPECT_FALSE(sel.Ok()) << "none chosen";
         sel.Select(2);
         box.answers = {{VNT_BTN_YES}};
@@ -187,9 +192,7 @@ TEST_P(DsnDlg, OkWritesTheListConnectsAndKeepsTheUsersChoices) {
 TEST_P(DsnDlg, OkAndSupplementSetUpAClientWhosePathIsMissing) {
     fresh();
     fs::remove(dir_ / "Daten/M2/vanto.db");
-    DsnIni reg(this);
-    ASSERT_TRUE(reg.LoadSettings());
-    VntDsnSelection sel(reg, {});
+    VntDsnSelection& sel = open();
     // Supplement asks first; with none chosen it beeps.
     box.answers = {{VNT_BTN_NO}, {VNT_BTN_YES}};
     EXPECT_FALSE(sel.Supplement());
@@ -278,14 +281,12 @@ TEST_P(DsnDlg, EntryDialogsPlaceTheClientOrStayOpen) {
         Vnt_AppConnClose();
         fresh();
         for (auto m = r.modules.rbegin(); m != r.modules.rend(); ++m) Vnt_AppModQueuePush(*m);
-        DsnIni reg(this);
-        ASSERT_TRUE(reg.LoadSettings());
-        VntDsnSelection sel(reg, {});
+        VntDsnSelection& sel = open();
         sel.Select(r.chosen);
         VntDsnEntryEdit edit(sel, r.index);
         EXPECT_EQ(edit.Dialog(), r.index < 0 ? 30023 : 30022);
         if (r.index >= 0) {
-            EXPECT_EQ(std::string(edit.Path()), reg.Entry(r.index)->path);
+            EXPECT_EQ(std::string(edit.Path()), sel.Registry().Entry(r.index)->path);
         }
         long asked = 0;
         const Outcome out = edit.Ok(r.name.c_str(), r.path.c_str(), r.atEnd, [&](long dialog) {
