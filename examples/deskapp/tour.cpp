@@ -138,12 +138,15 @@ public:
         // A dialog that goes may come back at the same address.
         if (e.GetEventType() == wxEVT_DESTROY ||
             (e.GetEventType() == wxEVT_SHOW && !static_cast<wxShowEvent&>(e).IsShown()))
-            if (auto* d = dynamic_cast<wxDialog*>(e.GetEventObject())) seen_.erase(d);
+            if (auto* d = dynamic_cast<wxDialog*>(e.GetEventObject())) {
+                seen_.erase(d);
+                if (d == progress_) progress_ = nullptr;
+            }
         if (e.GetEventType() == wxEVT_SHOW) {
             auto* d = dynamic_cast<wxDialog*>(e.GetEventObject());
             if (d && !d->IsModal() && d->FindWindow(1000) && dynamic_cast<wxGauge*>(d->FindWindow(1000)) &&
                 static_cast<wxShowEvent&>(e).IsShown())
-                progress_ = d;
+                progress_ = d, progressSeen_ = true;
         }
         return Event_Skip;
     }
@@ -180,7 +183,8 @@ private:
     std::string dialogShot_;       // picture taken in a dialog's handler
     int number_ = 0, failed_ = 0;
     bool inHandler_ = false;
-    wxDialog* progress_ = nullptr;
+    wxDialog* progress_ = nullptr;  // the progress window while it is shown
+    bool progressSeen_ = false;
     std::string progressShot_;
     Clock::time_point stepStart_ = Clock::now();
     DeskView* view_ = nullptr;
@@ -469,7 +473,17 @@ bool Tour::statistics(std::string& checked) {
                     countCol = c;
             }
             // Every month of the database has its row with the same number
-            // of orders and net total.
+            // of orders and net total, and so has the whole.
+            auto hasRow = [&](long n, double net) {
+                for (long row = 0; row < list->GetItemCount(); ++row) {
+                    double a = 0, b = 0;
+                    if (parseNumber(list->GetItemText(row, countCol), a) &&
+                        parseNumber(list->GetItemText(row, netCol), b) && a == static_cast<double>(n) &&
+                        std::fabs(b - net) < 0.005)
+                        return true;
+                }
+                return false;
+            };
             VntRecordset rs;
             int months = 0, found = 0;
             if (netCol >= 0 && countCol >= 0 && Vnt_AppGetConnect(&rs) &&
@@ -480,20 +494,18 @@ bool Tour::statistics(std::string& checked) {
                     double net = 0;
                     rs.GetFieldValue(1, n);
                     rs.GetFieldValue(2, net);
-                    for (long row = 0; row < list->GetItemCount(); ++row) {
-                        double a = 0, b = 0;
-                        if (parseNumber(list->GetItemText(row, countCol), a) &&
-                            parseNumber(list->GetItemText(row, netCol), b) && a == static_cast<double>(n) &&
-                            std::fabs(b - net) < 0.005) {
-                            ++found;
-                            break;
-                        }
-                    }
+                    if (hasRow(n, net)) ++found;
                 }
+            double allNet = 0, allCount = 0;
+            queryNumber("SELECT SUM(net_amount) FROM orders", allNet);
+            queryNumber("SELECT COUNT(*) FROM orders", allCount);
+            Vnt_MoneyRound(&allNet);
+            const bool total = netCol >= 0 && countCol >= 0 && hasRow(static_cast<long>(allCount), allNet);
             read = std::to_string(list->GetItemCount()) + " rows; " + std::to_string(found) + " of " +
-                   std::to_string(months) + " months match the database (count and net)" +
+                   std::to_string(months) + " months match the database (count and net), the total " +
+                   (total ? "too" : "does not") +
                    (grossCol >= 0 ? "" : "; no gross column");
-            listOk = months > 0 && found == months && grossCol >= 0;
+            listOk = months > 0 && found == months && total && grossCol >= 0;
         }
         dialogShot_ = shot("statistics");
         press(d, wxID_OK);
@@ -511,7 +523,7 @@ bool Tour::backup(std::string& checked) {
         dialogShot_ = shot("backup-done");
         press(d, 1);
     });
-    progress_ = nullptr;
+    progressSeen_ = false;
     progressShot_.clear();
     command(main_, kCmdBackup);
     pump(300);
@@ -540,10 +552,10 @@ bool Tour::backup(std::string& checked) {
     }
     checked = std::to_string(same) + " of " + std::to_string(files) + " files in " + copy +
               " with the same size and time; progress " +
-              (progress_ ? "shown" + (progressShot_.empty() ? std::string() : " (" + progressShot_ + ")")
+              (progressSeen_ ? "shown" + (progressShot_.empty() ? std::string() : " (" + progressShot_ + ")")
                          : std::string("not seen")) +
               "; told \"" + told + "\"";
-    return files > 0 && same == files && progress_ != nullptr && !told.empty();
+    return files > 0 && same == files && progressSeen_ && !told.empty();
 }
 
 Tour* g_tour = nullptr;
