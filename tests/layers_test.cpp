@@ -92,4 +92,32 @@ TEST(Layers, EverySourceIncludesOnlyWhatItsFolderMayUse) {
     EXPECT_GT(files, 50u);
 }
 
+// The window toolkit sits above the core: it includes public headers and
+// its own, never a header of src/ (its build has no path to them either).
+TEST(Layers, WindowToolkitIncludesOnlyPublicAndItsOwnHeaders) {
+    const fs::path wx = fs::path(VANTO_SOURCE_DIR).parent_path() / "gui" / "wx";
+    const Rules rules = readRules(wx.parent_path().parent_path() / "docs" / "layers.md");
+    static const std::regex include(R"re(^\s*#\s*include\s*"([^"]+)")re");
+    std::size_t files = 0;
+    for (const auto& e : fs::directory_iterator(wx)) {
+        const std::string ext = e.path().extension().string();
+        if (ext != ".cpp" && ext != ".h") continue;
+        ++files;
+        std::ifstream in(e.path());
+        int lineNo = 0;
+        for (std::string line; std::getline(in, line);) {
+            ++lineNo;
+            std::smatch m;
+            if (!std::regex_search(line, m, include)) continue;
+            const std::string header = m[1];
+            const bool own = header.find('/') == std::string::npos && fs::exists(wx / header);
+            const bool pub = header.rfind("vanto/wx/", 0) == 0 || !folderOf(rules, header).empty();
+            EXPECT_TRUE(own || (pub && header.rfind("vanto/", 0) == 0))
+                << "gui/wx/" << e.path().filename().string() << ":" << lineNo << ": \"" << header
+                << "\" is neither a public header nor one of the toolkit's own; see docs/layers.md";
+        }
+    }
+    EXPECT_GT(files, 10u);
+}
+
 }  // namespace

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "res_table.h"
+#include "shell_ports.h"
 #include "vanto/wx/dsndlg.h"
 #include "msgbox.h"
 #include "progress_view.h"
@@ -34,6 +35,8 @@ bool Vnt_WxInit() {
     vnt::wx::install(box, Vnt_UiSetPresenter);
     vnt::wx::install(std::make_shared<vnt::wx::WxProgressView>(), Vnt_UiSetProgress);
     vnt::wx::install(std::make_shared<VntWxClientSelect>(), Vnt_UiSetClientSelect);
+    vnt::wx::install(std::make_shared<vnt::wx::WxFileDialogPort>(), Vnt_UiSetFileDialog);
+    vnt::wx::install(std::make_shared<vnt::wx::WxHelpPort>(), Vnt_UiSetHelp);
     s.active = true;
     return true;
 }

@@ -10,7 +10,6 @@
 #include <wx/log.h>
 #include <wx/menu.h>
 
-#include "base/strbuf.h"
 #include "menu_state.h"
 #include "vanto/locale.h"
 #include "vanto/msg.h"
@@ -149,6 +148,7 @@ void VntMenu::init() {
     system_ = false;
     minimized_ = maximized_ = false;
     lookup_ = 0;
+    instance_ = nullptr;
 }
 
 bool VntMenu::Term() {
@@ -169,13 +169,13 @@ const char* VntMenu::HarvestedText(int which) {
 void VntMenu::harvest() {
     vnt::wx::MenuState& s = menuState();
     if (s.modifier[0]) return;
-    vnt::copyBounded(s.modifier, equalNoCase(Vnt_SysInfo(VNT_SI_GET).szLanguage, "DEU") ? "Strg" : "Ctrl");
+    Vnt_StrCopy(s.modifier, equalNoCase(Vnt_SysInfo(VNT_SI_GET).szLanguage, "DEU") ? "Strg" : "Ctrl");
     const std::string shortcut = std::string("\t") + s.modifier + "+F10";
     const SysTexts& t = sysTexts();
-    vnt::copyBounded(s.texts[0], std::string(t.restore) + shortcut);
-    vnt::copyBounded(s.texts[1], std::string(t.maximize) + shortcut);
-    vnt::copyBounded(s.texts[2], std::string(t.minimize) + "\tF9");
-    vnt::copyBounded(s.texts[3], t.tasks);
+    Vnt_StrCopy(s.texts[0], std::string(t.restore) + shortcut);
+    Vnt_StrCopy(s.texts[1], std::string(t.maximize) + shortcut);
+    Vnt_StrCopy(s.texts[2], std::string(t.minimize) + "\tF9");
+    Vnt_StrCopy(s.texts[3], t.tasks);
 }
 
 wxMenu* VntMenu::SysMenu(wxWindow* window) {
@@ -405,7 +405,7 @@ int VntMenu::ItemTextGet(long command) {
     const Ref r = find(command);
     if (!r.ok()) return 0;
     const std::string label = r.title >= 0 ? fromWx(r.bar->GetMenuLabel(static_cast<size_t>(r.title))) : labelOf(r.item);
-    return static_cast<int>(vnt::copyBounded(text_, label));
+    return static_cast<int>(Vnt_StrCopy(text_, label));
 }
 
 bool VntMenu::ItemTextSet(long command, const char* text, long flags) {
@@ -427,7 +427,7 @@ bool VntMenu::ItemTextExtend(long command, const char* suffix) {
     if (t.size() + s.size() > kMaxText && t.size() >= kMaxText) return false;
     const std::size_t room = kMaxText - t.size();
     t += s.substr(0, room);
-    vnt::copyBounded(text_, t);
+    Vnt_StrCopy(text_, t);
     return s.size() <= room;
 }
 
@@ -560,8 +560,12 @@ bool VntMenu::TitleEnable(long command, bool enable) {
     return r.ok();
 }
 
-bool VntMenu::TitleInsert(int position, const char* title, wxMenu* popup) {
-    const wxString t = toWx(title ? title : "");
+bool VntMenu::TitleInsert(int position, VntMsgRef title, wxMenu* popup) {
+    char text[256];
+    if (title.IsId() ? !Vnt_ResLoadString(instance_, title.Id(), text, sizeof text)
+                     : (Vnt_StrCopy(text, title.Text()), false))
+        return false;
+    const wxString t = toWx(text);
     if (bar_) {
         if (!popup) return false;
         if (position < 0 || position >= static_cast<int>(bar_->GetMenuCount())) return bar_->Append(popup, t);

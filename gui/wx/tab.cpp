@@ -18,7 +18,6 @@
 #include <wx/xml/xml.h>
 #include <wx/xrc/xmlres.h>
 
-#include "base/strbuf.h"
 #include "tab_state.h"
 #include "vanto/msg.h"
 #include "vanto/ui/window.h"
@@ -168,7 +167,7 @@ bool VntTabDlg::CreatePage(long dialog, wxWindow* parent) {
         wxLogNull quiet;
         if (!wxXmlResource::Get()->LoadPanel(this, parent, name)) return false;
     }
-    vnt::copyBounded(caption_, vnt::wx::fromWx(title));
+    Vnt_StrCopy(caption_, vnt::wx::fromWx(title));
     // Outside the visible area: they only hold the focus at the page's ends.
     stops_[0] = new StopWindow(this, wxPoint(-100, -100));
     stops_[1] = new StopWindow(this, wxPoint(-80, -80));
@@ -581,7 +580,8 @@ public:
         auto* ctl = dynamic_cast<wxWindow*>(event.GetEventObject());
         wxWindow* top = wxGetTopLevelParent(s.current->GetCtrl());
         if (ctl == nullptr || top == nullptr || wxGetTopLevelParent(ctl) != top) return Event_Skip;
-        return handle(static_cast<wxKeyEvent&>(event), ctl, *s.current) ? Event_Processed : Event_Skip;
+        const auto& key = static_cast<wxKeyEvent&>(event);
+        return handle(key, ctl, *s.current) || VntTabViewBase::HandleCurrentBar(key) ? Event_Processed : Event_Skip;
     }
 
 private:

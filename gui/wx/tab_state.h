@@ -7,6 +7,7 @@
 #include <wx/window.h>
 
 class VntTab;
+class VntTabViewBase;
 class wxComboBox;
 class wxEventFilter;
 
@@ -14,6 +15,7 @@ namespace vnt::wx {
 
 struct TabState {
     VntTab* current = nullptr;           // the tab holder of the active view
+    VntTabViewBase* currentView = nullptr;  // the active view (its tool keys)
     wxComboBox* droppedCombo = nullptr;  // the combo box whose list is open
     int hookCount = 0;                   // active tabbed views
     wxEventFilter* hook = nullptr;       // the keyboard rules while installed

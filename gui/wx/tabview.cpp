@@ -12,7 +12,6 @@
 #include <wx/textctrl.h>
 #include <wx/xrc/xmlres.h>
 
-#include "base/strbuf.h"
 #include "tab_state.h"
 #include "vanto/db.h"
 #include "vanto/msg.h"
@@ -23,25 +22,26 @@ namespace {
 
 constexpr const char* kSource = "Tab\\VntTabXView";
 
-struct ToolText { long tool; const char* de; const char* en; };
+// The tools with their captions and keys (0: no key).
+struct ToolText { long tool; const char* de; const char* en; int mods; int key; };
 constexpr ToolText kTools[] = {
-    {VNTTAB_TOOL_CLOSE, "Schlie\xDF" "en", "Close"},
-    {VNTTAB_TOOL_COPY, "Kopieren", "Copy"},
-    {VNTTAB_TOOL_DELETE, "L\xF6schen", "Delete"},
-    {VNTTAB_TOOL_FILTER, "Filter", "Filter"},
-    {VNTTAB_TOOL_FORMVIEW, "Formularansicht", "Form view"},
-    {VNTTAB_TOOL_MULTIMEDIA, "Multimedia", "Multimedia"},
-    {VNTTAB_TOOL_NEW, "Neu", "New"},
-    {VNTTAB_TOOL_NEWANDCLEAN, "Neu und leeren", "New and clear"},
-    {VNTTAB_TOOL_PRINT, "Drucken", "Print"},
-    {VNTTAB_TOOL_PRINTPREVIEW, "Seitenansicht", "Print preview"},
-    {VNTTAB_TOOL_SAVE, "Speichern", "Save"},
-    {VNTTAB_TOOL_SEARCH, "Suchen", "Search"},
-    {VNTTAB_TOOL_TEXT, "Text", "Text"},
-    {VNTTAB_TOOL_FIRST, "Erster Datensatz", "First record"},
-    {VNTTAB_TOOL_PREV, "Vorheriger Datensatz", "Previous record"},
-    {VNTTAB_TOOL_NEXT, "N\xE4" "chster Datensatz", "Next record"},
-    {VNTTAB_TOOL_LAST, "Letzter Datensatz", "Last record"},
+    {VNTTAB_TOOL_CLOSE, "Schlie\xDF" "en", "Close", wxMOD_CONTROL, 'W'},
+    {VNTTAB_TOOL_COPY, "Kopieren", "Copy", wxMOD_CONTROL | wxMOD_SHIFT, 'C'},
+    {VNTTAB_TOOL_DELETE, "L\xF6schen", "Delete", wxMOD_CONTROL, WXK_DELETE},
+    {VNTTAB_TOOL_FILTER, "Filter", "Filter", 0, 0},
+    {VNTTAB_TOOL_FORMVIEW, "Formularansicht", "Form view", 0, 0},
+    {VNTTAB_TOOL_MULTIMEDIA, "Multimedia", "Multimedia", 0, 0},
+    {VNTTAB_TOOL_NEW, "Neu", "New", wxMOD_CONTROL, 'N'},
+    {VNTTAB_TOOL_NEWANDCLEAN, "Neu und leeren", "New and clear", wxMOD_CONTROL | wxMOD_SHIFT, 'N'},
+    {VNTTAB_TOOL_PRINT, "Drucken", "Print", wxMOD_CONTROL, 'P'},
+    {VNTTAB_TOOL_PRINTPREVIEW, "Seitenansicht", "Print preview", wxMOD_CONTROL | wxMOD_SHIFT, 'P'},
+    {VNTTAB_TOOL_SAVE, "Speichern", "Save", wxMOD_CONTROL, 'S'},
+    {VNTTAB_TOOL_SEARCH, "Suchen", "Search", wxMOD_CONTROL, 'F'},
+    {VNTTAB_TOOL_TEXT, "Text", "Text", 0, 0},
+    {VNTTAB_TOOL_FIRST, "Erster Datensatz", "First record", wxMOD_CONTROL, WXK_HOME},
+    {VNTTAB_TOOL_PREV, "Vorheriger Datensatz", "Previous record", wxMOD_CONTROL, WXK_UP},
+    {VNTTAB_TOOL_NEXT, "N\xE4" "chster Datensatz", "Next record", wxMOD_CONTROL, WXK_DOWN},
+    {VNTTAB_TOOL_LAST, "Letzter Datensatz", "Last record", wxMOD_CONTROL, WXK_END},
 };
 
 // What a control shows, as text, for telling whether the user changed it.
@@ -123,7 +123,7 @@ bool VntTabViewBase::ToolCaption(long tool, char* text, int size) {
     const bool english = std::strcmp(Vnt_ResLanguage(), "ENU") == 0;
     for (const ToolText& t : kTools)
         if (t.tool == tool) {
-            vnt::copyBounded(text, static_cast<std::size_t>(size), english ? t.en : t.de);
+            Vnt_StrCopy(text, static_cast<std::size_t>(size), english ? t.en : t.de);
             return true;
         }
     text[0] = '\0';
@@ -131,6 +131,18 @@ bool VntTabViewBase::ToolCaption(long tool, char* text, int size) {
 }
 
 bool VntTabViewBase::ToolIsChecked(long) const { return false; }
+
+bool VntTabViewBase::HandleCurrentBar(const wxKeyEvent& key) {
+    VntTabViewBase* view = vnt::wx::tabState().currentView;
+    if (view == nullptr || key.GetModifiers() == wxMOD_NONE) return false;
+    const int code = key.GetKeyCode() >= 'a' && key.GetKeyCode() <= 'z' ? key.GetKeyCode() - 32 : key.GetKeyCode();
+    for (const ToolText& t : kTools)
+        if (t.key != 0 && t.key == code && t.mods == key.GetModifiers()) {
+            view->DoTool(t.tool);
+            return true;
+        }
+    return false;
+}
 
 void VntTabViewBase::DoComboDropDownList(wxEventType command, wxComboBox* control) {
     vnt::wx::TabState& s = vnt::wx::tabState();
@@ -144,12 +156,14 @@ void VntTabViewBase::OnActivate(bool active) {
     vnt::wx::TabState& s = vnt::wx::tabState();
     if (active) {
         s.current = &m_tab;
+        s.currentView = this;
         if (active_) return;
         active_ = true;
         vnt::wx::tabHook(true);
         return;
     }
     if (s.current == &m_tab) s.current = nullptr;
+    if (s.currentView == this) s.currentView = nullptr;
     if (!active_) return;
     active_ = false;
     vnt::wx::tabHook(false);

@@ -6,6 +6,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <string_view>
 
 #if defined(_WIN32)
 #  if defined(VANTORTL_BUILDING)
@@ -24,6 +26,38 @@ inline constexpr std::size_t VNT_MAX_PATH = 260;
 
 /// A path buffer. Every copy into one is cut at 259 characters and terminated.
 using VNT_PATH = char[VNT_MAX_PATH];
+
+/// The one way to fill a fixed character buffer: copies at most `size` - 1
+/// characters of `src` into `dst` and terminates it. Overlapping buffers are
+/// allowed; a `size` of 0 (or a null `dst`) writes nothing; a null `src`
+/// copies "". Returns the number of characters copied. The C-string form
+/// reads `src` only as far as `dst` can hold.
+///
+///   char b[4]; Vnt_StrCopy(b, sizeof b, "abcdef")  => 3, b = "abc"
+///   VNT_PATH p; Vnt_StrCopy(p, "C:\\x")            => 4, p = "C:\\x"
+///   Vnt_StrCopy(b, 0, "abc")                       => 0, b unchanged
+inline std::size_t Vnt_StrCopy(char* dst, std::size_t size, std::string_view src) noexcept {
+    if (size == 0 || dst == nullptr) return 0;
+    const std::size_t n = src.size() < size - 1 ? src.size() : size - 1;
+    if (n) std::memmove(dst, src.data(), n);
+    dst[n] = '\0';
+    return n;
+}
+inline std::size_t Vnt_StrCopy(char* dst, std::size_t size, const char* src) noexcept {
+    if (src == nullptr) return Vnt_StrCopy(dst, size, std::string_view{});
+    const void* nul = size ? std::memchr(src, '\0', size - 1) : nullptr;
+    const std::size_t len = nul ? static_cast<std::size_t>(static_cast<const char*>(nul) - src) : (size ? size - 1 : 0);
+    return Vnt_StrCopy(dst, size, std::string_view(src, len));
+}
+/// Array forms: the size is the array's.
+template <std::size_t N>
+inline std::size_t Vnt_StrCopy(char (&dst)[N], std::string_view src) noexcept {
+    return Vnt_StrCopy(dst, N, src);
+}
+template <std::size_t N>
+inline std::size_t Vnt_StrCopy(char (&dst)[N], const char* src) noexcept {
+    return Vnt_StrCopy(dst, N, src);
+}
 
 /// Answer of every function that shows a message box:
 /// 1 OK/Yes/Retry (or a suppressed message), 2 Cancel/Abort (or an empty

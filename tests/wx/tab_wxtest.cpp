@@ -114,6 +114,8 @@ public:
 class View : public VntTabViewBase {
 public:
     explicit View(wxWindow* form) { form_ = form; }
+    int saves = 0;
+    bool OnToolSave() override { return ++saves, true; }
 };
 
 // A frame with the form of resource 5200 and the view's tab holder on it.
@@ -206,6 +208,19 @@ TEST_F(Tabs, PageKeysChangePagesAndWrap) {
         EXPECT_TRUE(wxWindow::FindFocus() && f.tab().GetCurrentDlg()->IsDescendant(wxWindow::FindFocus()))
             << r.name << ": the focus is in the page";
     }
+    // The tool keys go to the active view's tools, and only with Ctrl.
+    key('S', wxMOD_CONTROL);
+    EXPECT_EQ(f.view.saves, 1);
+    key('S', wxMOD_SHIFT);
+    EXPECT_EQ(f.view.saves, 1);
+    f.view.OnActivate(false);
+    wxKeyEvent ctrlS(wxEVT_CHAR_HOOK);
+    ctrlS.m_keyCode = 'S';
+    ctrlS.m_controlDown = true;
+    EXPECT_FALSE(VntTabViewBase::HandleCurrentBar(ctrlS)) << "no active view";
+    f.view.OnActivate(true);
+    EXPECT_TRUE(VntTabViewBase::HandleCurrentBar(ctrlS));
+    EXPECT_EQ(f.view.saves, 2);
     // The holder's own calls: step 0 counts as 1; out of range beeps.
     EXPECT_TRUE(f.tab().GotoTab(0));
     EXPECT_TRUE(f.tab().GotoNextTab(-1));

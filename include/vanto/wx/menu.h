@@ -151,8 +151,15 @@ public:
     bool TitleEnable(long command, bool enable);
     /// Inserts a title before `position` (-1: at the end): with a popup as
     /// a menu title (the bar takes the popup), without one as a plain item
-    /// of a held popup.
-    bool TitleInsert(int position, const char* title, wxMenu* popup);
+    /// of a held popup. The title is a text or a string number (1..65535),
+    /// loaded from the string table of the window's module (SetInstance;
+    /// the program's own by default). False for a number without a string.
+    ///   TitleInsert(1, "&Extras", popup)  => "&Extras" before title 1
+    ///   TitleInsert(-1, 4711, popup)      => string 4711 as the last title
+    bool TitleInsert(int position, VntMsgRef title, wxMenu* popup);
+    /// The module whose string table gives titles by number (null: the
+    /// program).
+    void SetInstance(VNT_HINSTANCE instance) { instance_ = instance; }
     bool TitleDelete(long command);
 
     /// Keep the window and the system menu's items in step: mode 0
@@ -219,4 +226,5 @@ private:
     bool minimized_ = false, maximized_ = false;
     long lookup_ = 0;             // 0 by identifier, VNT_MF_BYPOSITION
     wxWindow* keysWindow_ = nullptr;  // the window InstallSysKeys bound
+    VNT_HINSTANCE instance_ = nullptr;  // string table of titles by number
 };

@@ -293,6 +293,16 @@ public:
     static bool ToolCaption(long tool, char* text, int size);
     /// No tool of the table is a toggle: always false.
     bool ToolIsChecked(long tool) const;
+    /// A key for the tool bar of the active tabbed view: a key of the tool
+    /// table runs its tool there (DoTool) and counts as handled; any other
+    /// key, a key without Ctrl, or no active view: false. The keyboard
+    /// rules of the tabbed views pass the keys they leave here.
+    ///   Ctrl+S => Save   Ctrl+N => New   Ctrl+Shift+N => New and clear
+    ///   Ctrl+W => Close  Ctrl+Shift+C => Copy  Ctrl+Del => Delete
+    ///   Ctrl+P => Print  Ctrl+Shift+P => Print preview  Ctrl+F => Search
+    ///   Ctrl+Home / Ctrl+Up / Ctrl+Down / Ctrl+End => first / previous /
+    ///   next / last record.  Ctrl+C, or S without Ctrl => false
+    static bool HandleCurrentBar(const wxKeyEvent& key);
     /// A tool bar click: DoTool.
     bool HandleABClick(long tool) { return DoTool(tool); }
     /// Records the combo box whose list is open (dropdown event) and clears
