@@ -52,6 +52,16 @@ struct Form {
         }
         return !dx.Failed();
     }
+    // The values as set at the start: a save exchange must give them back.
+    bool unchanged() const {
+        for (int i = 0; i < 10; ++i) {
+            const VNT_DATE& d = dates[i];
+            if (amounts[i] != 1234.5 + i || shorts[i] != 100 + i || longs[i] != 100000 + i ||
+                texts[i] != "Kunde " + std::to_string(i) || d.year != 2024 || d.month != 1 + i || d.day != 10 + i)
+                return false;
+        }
+        return true;
+    }
 };
 
 void BM_DdxFiftyFields(benchmark::State& state) {
@@ -67,6 +77,7 @@ void BM_DdxFiftyFields(benchmark::State& state) {
         for (auto _ : state) {
             if (!f.exchange(save)) state.SkipWithError("an exchange failed");
         }
+        if (!f.unchanged()) state.SkipWithError("the exchange changed the values");
         state.SetItemsProcessed(state.iterations() * 50);
     }
     wxTheApp->ProcessPendingEvents();

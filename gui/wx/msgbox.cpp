@@ -136,7 +136,9 @@ wxMenu* MsgBoxDialog::ContextMenu() const {
         menu->Append(kCopyId, "Copy\tCtrl+C");
         menu->Append(kEditId, "Open in editor");
     } else {
-        menu->Append(kCopyId, "Kopieren\tStrg+C");
+        // wx knows the modifier as "Ctrl" only; the desktop shows it in its
+        // own language ("Strg+C" on a German one).
+        menu->Append(kCopyId, "Kopieren\tCtrl+C");
         menu->Append(kEditId, wxString::FromUTF8("Im Editor \xC3\xB6" "ffnen"));
     }
     return menu;

@@ -24,8 +24,9 @@ public:
     const VntBoxModel& Model() const { return model_; }
     /// The check box in use (null without one).
     wxCheckBox* CheckBox() const { return check_; }
-    /// The context menu: "Kopieren\tStrg+C" and "Im Editor öffnen" (English
-    /// in English).
+    /// The context menu: "Kopieren" with the shortcut Ctrl+C (which the
+    /// desktop shows as "Strg+C" in German) and "Im Editor öffnen"
+    /// (English in English).
     wxMenu* ContextMenu() const;
     /// The menu IDs of the two actions.
     static constexpr int kCopyId = 30101, kEditId = 30102;

@@ -60,8 +60,7 @@ bool WxProgressView::OpenStatus(VNT_HWND owner, VntProgressPos pos, VntProgressE
     }
     for (VntProgressItem i : {VntProgressItem::Bar, VntProgressItem::Number, VntProgressItem::Text, VntProgressItem::Line4})
         ShowItem(i, false);
-    dlg->GetSizer()->Fit(dlg);
-    dlg->Layout();
+    dlg->GetSizer()->SetSizeHints(dlg);
     if (pos.set) dlg->Move(pos.x, pos.y);
     else dlg->CentreOnScreen();
 
@@ -132,10 +131,9 @@ void WxProgressView::ShowItem(VntProgressItem item, bool visible) {
         case VntProgressItem::Line4: show(status_->FindWindow(kLine1 + 3)); break;
         case VntProgressItem::Cancel: show(status_->FindWindow(kCancel)); break;
     }
-    if (changed) {
-        status_->GetSizer()->Fit(status_);
-        status_->Layout();
-    }
+    // The resource's minimum size is that of every item shown: the size
+    // hints follow what is shown now, else hidden items leave a gap.
+    if (changed) status_->GetSizer()->SetSizeHints(status_);
 }
 
 void WxProgressView::EnableCancel(bool enabled) {

@@ -78,23 +78,28 @@ TEST_F(Pictures, EveryWindowInBothLanguages) {
         Vnt_MsgSetTitle("Fibu");
         const std::string lang = en ? "ENU" : "DEU";
         Shooter shoot;
-        struct Box { const char* name; const char* text; };
-        for (const Box& b : {Box{"box_ok", "Die Buchung wurde gespeichert."},
-                             Box{"box_okcancel", "!Der Zeitraum ist abgeschlossen.\nTrotzdem buchen?"},
-                             Box{"box_yesnocancel", "?Sollen die \xC4nderungen gespeichert werden?"},
-                             Box{"box_yesno_stop", "#ynDie Datei ist gesperrt.\nErneut \xF6" "ffnen?"},
-                             Box{"box_ari", "!ariDas Laufwerk antwortet nicht."},
-                             Box{"box_retrycancel", "rcDer Drucker ist nicht bereit."},
-                             Box{"box_help", "h[12]?ynMit Hilfe zum Thema?"},
-                             Box{"box_check", "?xSoll der Beleg gedruckt werden?"},
-                             Box{"box_check_below_left", "!x.<Die Sicherung ist \xE4lter als sieben Tage."},
-                             Box{"box_labels", "?Wie weiter?|~Speichern|~Verwerfen|Zur\xFC" "ck"},
-                             Box{"box_none", "-okOhne Symbol."}}) {
+        // Texts in the picture's language, as an application would show them.
+        struct Box { const char* name; const char* de; const char* en; };
+        for (const Box& b : {Box{"box_ok", "Die Buchung wurde gespeichert.", "The entry was saved."},
+                             Box{"box_okcancel", "!Der Zeitraum ist abgeschlossen.\nTrotzdem buchen?",
+                                 "!The period is closed.\nPost anyway?"},
+                             Box{"box_yesnocancel", "?Sollen die \xC4nderungen gespeichert werden?", "?Save the changes?"},
+                             Box{"box_yesno_stop", "#ynDie Datei ist gesperrt.\nErneut \xF6" "ffnen?",
+                                 "#ynThe file is locked.\nOpen it again?"},
+                             Box{"box_ari", "!ariDas Laufwerk antwortet nicht.", "!ariThe drive does not answer."},
+                             Box{"box_retrycancel", "rcDer Drucker ist nicht bereit.", "rcThe printer is not ready."},
+                             Box{"box_help", "?h[12]ynMit Hilfe zum Thema?", "?h[12]ynWith help on the topic?"},
+                             Box{"box_check", "?xSoll der Beleg gedruckt werden?", "?xPrint the voucher?"},
+                             Box{"box_check_below_left", "!x.<Die Sicherung ist \xE4lter als sieben Tage.",
+                                 "!x.<The backup is older than seven days."},
+                             Box{"box_labels", "?Wie weiter?|~Speichern|~Verwerfen|Zur\xFC" "ck",
+                                 "?What next?|~Save|~Discard|Back"},
+                             Box{"box_none", "-okOhne Symbol.", "-okWithout an icon."}}) {
             shoot.name = std::string(b.name) + "_" + lang;
-            vnt::msg::showBox({.text = b.text, .libName = "APPMSG", .ref = 4711});
+            vnt::msg::showBox({.text = en ? b.en : b.de, .libName = "APPMSG", .ref = 4711});
         }
-        std::string fifteen = "Erste Zeile einer langen Meldung";
-        for (int i = 2; i <= 40; ++i) fifteen += "\nZeile " + std::to_string(i) + " der Meldung";
+        std::string fifteen = en ? "First line of a long message" : "Erste Zeile einer langen Meldung";
+        for (int i = 2; i <= 40; ++i) fifteen += (en ? "\nLine " : "\nZeile ") + std::to_string(i) + (en ? " of the message" : " der Meldung");
         shoot.name = "box_15lines_" + lang;
         vnt::msg::showBox({.text = fifteen.c_str(), .libName = "APPMSG", .ref = 4711});
         shoot.name = "box_internal_error_" + lang;
@@ -104,7 +109,9 @@ TEST_F(Pictures, EveryWindowInBothLanguages) {
         auto* view = dynamic_cast<vnt::wx::WxProgressView*>(&Vnt_UiProgress());
         ASSERT_NE(view, nullptr);
         {
-            VntStat stat("[Kopieren]  Datei Z:\\Daten\\M1\\Buchungen.db\nnach Z:\\Sicherung\\M1", 1, 200);
+            VntStat stat(en ? "[Copying]  File Z:\\Daten\\M1\\Buchungen.db\nto Z:\\Sicherung\\M1"
+                            : "[Kopieren]  Datei Z:\\Daten\\M1\\Buchungen.db\nnach Z:\\Sicherung\\M1",
+                         1, 200);
             stat.EnableCancel(true);
             stat.Progress(50UL);
             pump(50);
@@ -115,7 +122,7 @@ TEST_F(Pictures, EveryWindowInBothLanguages) {
             ASSERT_TRUE(view->Confirm());
             fits(view->Confirm(), "confirm");
             shot(view->Confirm(), "progress_confirm_30063_" + lang);
-            EXPECT_EQ(view->Confirm()->GetTitle(), "Kopieren");
+            EXPECT_EQ(view->Confirm()->GetTitle(), en ? "Copying" : "Kopieren");
             wxCommandEvent yes(wxEVT_BUTTON, wxID_YES);
             view->Confirm()->ProcessWindowEvent(yes);
             EXPECT_TRUE(stat.IsCancel()) << "the close counted as a confirmed Cancel";
