@@ -366,8 +366,14 @@ TEST_F(Menus, F9AndCtrlF10KeepTheFrameAndTheItemsInStep) {
 }
 
 
-// The screen's top-left part, with the menu that is open.
+// The screen's top-left part, with the menu that is open: read from the X
+// server by ImageMagick's "import" (a screen DC repeats its first picture
+// under Xvfb); the screen DC where "import" is missing.
 std::string screenPicture(const wxSize& size, const std::string& name) {
+    const std::string file = vnt::wxtest::shotDir() + "/" + name + ".png";
+    const wxString cmd = wxString::Format("import -window root -crop %dx%d+0+0 +repage %s", size.x, size.y, file);
+    wxArrayString out, err;
+    if (wxExecute(cmd, out, err, wxEXEC_SYNC | wxEXEC_NODISABLE) == 0) return file;
     wxBitmap bmp(size);
     {
         wxScreenDC from;
