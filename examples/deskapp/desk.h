@@ -1,6 +1,7 @@
 // VantoDesk: the parts of the program and what they share.
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -160,6 +161,8 @@ private:
 /// Its lines go to standard output; the exit code is 0 when every step did
 /// what it should.
 void StartTour(MainFrame* main, const std::string& shotDir);
+/// When the program started (for the tour's figures).
+std::chrono::steady_clock::time_point StartTime();
 /// 0 when every step of the tour did what it should, 1 when one failed,
 /// -1 without a tour.
 int TourResult();

@@ -302,6 +302,13 @@ int DeskApp::OnExit() {
 
 wxIMPLEMENT_APP_NO_MAIN(DeskApp);
 
+namespace desk {
+namespace {
+const std::chrono::steady_clock::time_point g_started = std::chrono::steady_clock::now();
+}
+std::chrono::steady_clock::time_point StartTime() { return g_started; }
+}  // namespace desk
+
 int main(int argc, char** argv) {
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
     if (argc > 1 && std::strcmp(argv[1], "--setup") == 0) {

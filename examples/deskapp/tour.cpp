@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <deque>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <set>
 #include <thread>
@@ -187,6 +188,10 @@ private:
     bool progressSeen_ = false;
     std::string progressShot_;
     Clock::time_point stepStart_ = Clock::now();
+    long selectionShown_ = -1, viewOpened_ = -1;  // figures: milliseconds
+    static long ms(Clock::time_point since) {
+        return static_cast<long>(std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - since).count());
+    }
     DeskView* view_ = nullptr;
     long customer_ = 0;
 };
@@ -225,6 +230,7 @@ void Tour::watch() {
     wxDialog* d = modalOnTop();
     if (!d || seen_.count(d)) return;
     seen_.insert(d);
+    if (selectionShown_ < 0 && dynamic_cast<wxListBox*>(d->FindWindow(1000))) selectionShown_ = ms(StartTime());
     inHandler_ = true;
     if (handlers_.empty() || !handlers_.front().match(d)) {
         const std::string text = dialogText(d);
@@ -339,9 +345,11 @@ void Tour::Run() {
     // 3. The customers.
     step("opened the customers (File > Customers)",
          [&](std::string& checked) {
+             const auto before = Clock::now();
              command(main_, kCmdCustomers);
-             pump(300);
              view_ = main_->ActiveView();
+             viewOpened_ = ms(before);
+             pump(300);
              if (!view_) return checked = "no view", false;
              customer_ = view_->RecordNumber();
              auto* name = dynamic_cast<wxTextCtrl*>(view_->m_tab.GetPage(0)->FindWindow(202));
@@ -448,6 +456,14 @@ void Tour::Run() {
              return question.find("[check box") != std::string::npos;
          },
          "end");
+    // The resident memory now, from the process's status.
+    std::ifstream status("/proc/self/status");
+    std::string line, rss = "?";
+    while (std::getline(status, line))
+        if (line.rfind("VmRSS:", 0) == 0) rss = line.substr(line.find_first_not_of(" \t", 6));
+    std::printf("tour: figures: client selection shown %ld ms after the start, customer view opened in %ld ms, "
+                "memory after the tour %s\n",
+                selectionShown_, viewOpened_, rss.c_str());
     std::printf("tour: %d steps, %d failed, pictures in %s\n", number_, failed_, dir_.c_str());
 }
 
