@@ -155,6 +155,7 @@ private:
     std::vector<DeskView*> views_;
     long shownOrders_ = 0;
     bool exiting_ = false;
+    bool selecting_ = false;  // in SelectClient
 };
 
 /// The scripted tour (--tour <folder>): starts once the main frame is up.

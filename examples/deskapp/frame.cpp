@@ -209,10 +209,22 @@ bool MainFrame::SelectClient(bool atStart) {
     // application of the family does without a client. Later the selection
     // always shows, and Cancel keeps the client there is.
     bool force = !atStart;
+    // The client before: back to it when the user gives up on a client
+    // whose data cannot be read.
+    std::string before;
+    if (Vnt_AppGetConnect() != nullptr) Vnt_AppConnSave(before);
+    selecting_ = true;  // the window shows the client once it is known to be readable
+    struct Done {
+        bool& flag;
+        ~Done() { flag = false; }
+    } done{selecting_};
     for (;;) {
         if (force) Vnt_DsnSelect(nullptr, true, true);
         else Vnt_AppConnect(nullptr, true, false);
-        if (Vnt_AppGetConnect() == nullptr) return false;
+        if (Vnt_AppGetConnect() == nullptr) {
+            if (!before.empty()) Vnt_AppConnRestore(before.c_str());
+            break;
+        }
         double n = 0;
         if (queryNumber("SELECT COUNT(*) FROM customer", n)) break;
         // A database that is there but cannot be read: said, then the
@@ -222,7 +234,7 @@ bool MainFrame::SelectClient(bool atStart) {
         force = true;
     }
     Refresh();
-    return true;
+    return Vnt_AppGetConnect() != nullptr;
 }
 
 long MainFrame::RunModule(long module) {
@@ -249,7 +261,7 @@ void MainFrame::onClose(wxCloseEvent& e) {
 
 void MainFrame::onMessage(VntWxMessageEvent& e) {
     if (e.Message() == 0x7F15) {  // the client's connection changed
-        CallAfter([this] { Refresh(); });
+        if (!selecting_) CallAfter([this] { Refresh(); });
         e.SetAnswer(0);
         return;
     }
