@@ -419,6 +419,38 @@ void Tour::Run() {
                     view_->RecordNumber() != customer_ && !question.empty();
          },
          "next");
+    // The articles: the gross price follows the net price typed.
+    step("opened the articles (File > Articles), typed a net price on the price page, discarded it (Edit > Discard "
+         "changes) and closed the view",
+         [&](std::string& checked) {
+             command(main_, kCmdArticles);
+             pump(200);
+             DeskView* articles = main_->ActiveView();
+             if (!articles || articles == view_) return checked = "no article view", false;
+             const long nr = articles->RecordNumber();
+             const std::string price = queryText("SELECT net_price FROM article WHERE nr = " + std::to_string(nr));
+             const double vat = std::atof(queryText("SELECT vat_percent FROM article WHERE nr = " + std::to_string(nr)).c_str());
+             articles->m_tab.GotoTab(1);
+             pump(100);
+             VntTabDlg* page = articles->m_tab.GetPage(1);
+             const bool typed = typeInto(dynamic_cast<VantoEd*>(page->FindWindow(311)), english_ ? "100.00" : "100,00");
+             double gross = 100.0;
+             Vnt_FloatBetrag(&gross, vat, false, true);
+             const wxString shown = dynamic_cast<VantoEd*>(page->FindWindow(313))->GetValue();
+             pump(100);
+             shot("article-price");
+             command(main_, kCmdDiscard);
+             const bool clean = !articles->OnCheckDirty();
+             command(main_, kCmdCloseView);
+             pump(200);
+             const bool closed = main_->Views().size() == 1;
+             const std::string after = queryText("SELECT net_price FROM article WHERE nr = " + std::to_string(nr));
+             checked = "article " + std::to_string(nr) + ": net 100 at " + std::to_string(vat).substr(0, 4) +
+                       " % shows gross " + utf8(shown) + "; after discarding the stored net price is " + after +
+                       " as before, view " + (closed ? "closed" : "open");
+             return typed && shown == money(gross) && clean && closed && after == price;
+         },
+         "articles");
     // 6. The statistics (module 50).
     step("ran the statistics (Modules > Statistics, module 50)", [&](std::string& checked) { return statistics(checked); },
          "statistics");
