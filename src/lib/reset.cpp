@@ -21,13 +21,13 @@ void resetLibrary() {
     // The library-wide INI object closes before the message system goes.
     ini::reset();
     ed::reset();
+    copy::resetStat();
     db::reset();
     app::resetModules();
     app::resetLifecycle();
     Vnt_AppSetProfile(nullptr);
     ini::profileReset();
     cal::reset();
-    copy::resetStat();
     msg::resetTexts();
     msg::resetBox();
     msg::resetReports();

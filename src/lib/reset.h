@@ -8,8 +8,10 @@ namespace vnt {
 /// that nothing is left holding what a lower layer has already dropped: the
 /// client connection, the module loader and the application frame, the INI
 /// engine and the profile cache, dates and locale, progress, messages and
-/// message libraries, file names, the ports, and last the host (volume table,
-/// current directories, faults, disk-full count, watches, last error, clock).
+/// message libraries, file names and the client's paths, the ports, and last
+/// the host (volume table, current directories, faults and short writes,
+/// watches, last error, clock). The calls the message layer makes to the
+/// layers above it (msg/upcalls.h) are wiring, not state: they stay.
 void resetLibrary();
 
 }  // namespace vnt
