@@ -95,7 +95,7 @@ bool fillClient(VntDatabase& db, const Article* articles, int nArticles, const C
     }
     for (int i = 0; i < nCustomers; ++i) {
         const Customer& c = customers[i];
-        char since[16], contact[16];
+        char since[40], contact[40];  // room for any int, so the compiler sees no truncation
         std::snprintf(since, sizeof since, "%04d-%02d-%02d", 2015 + i, 1 + (i * 5) % 12, 1 + (i * 7) % 28);
         std::snprintf(contact, sizeof contact, "%04d-%02d-%02d", year, month, 3 + i);
         ok = ok && db.ExecuteSQL(("INSERT INTO customer VALUES (" + std::to_string(1001 + i) + ", " + sqlText(c.name) +
@@ -116,7 +116,7 @@ bool fillClient(VntDatabase& db, const Article* articles, int nArticles, const C
             double net = articles[ai].price * static_cast<double>(qty);
             Vnt_FloatRabattBetrag(&net, customers[ci].discount, true);
             Vnt_MoneyRound(&net);
-            char date[16];
+            char date[40];
             std::snprintf(date, sizeof date, "%04d-%02d-%02d", y, mo, 1 + static_cast<int>(next(28)));
             ok = ok && db.ExecuteSQL(("INSERT INTO orders VALUES (" + std::to_string(nr++) + ", " +
                                       std::to_string(1001 + ci) + ", " + std::to_string(101 + ai) + ", " +
