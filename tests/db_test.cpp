@@ -84,6 +84,28 @@ TEST_F(Db, OpenCloseAndTheConnectString) {
     EXPECT_THAT(lastBox(), HasSubstr("exclusive"));
 }
 
+// A driver naming a directory is refused before the driver manager sees
+// it (unixODBC aborts the process on "/"); a driver file is left to it.
+// A library path is judged as the host path it becomes ("T:\\" has no
+// trailing separator there).
+TEST_F(Db, DriverNamingADirectoryIsRefused) {
+    const struct { const char* connect; bool refused; } rows[] = {
+        {"Driver=/", true},          {"DRIVER={//}", true},        {"Driver=x;driver= / ;PWD=geheim", true},
+        {"Driver=lib\\", true},       {"Driver=T:\\", false},         {"Driver=/no/such/lib.so", false},
+        {"Driver={/x}}/}", true},    {"Driver={/x/}}};Y=1", false}, {"DriverX=/;Driver=NoSuch", false},
+    };
+    for (const auto& r : rows) {
+        box.shown.clear();
+        Vnt_DbClearError();
+        EXPECT_FALSE(db_.OpenEx(r.connect) || db_.IsOpen()) << r.connect;
+        EXPECT_EQ(std::string(Vnt_DbLastState()) == "IM003", r.refused) << r.connect << ": " << Vnt_DbLastState();
+        ASSERT_EQ(box.shown.size(), 1u) << r.connect;
+        if (r.refused) {
+            EXPECT_THAT(lastBox(), AllOf(HasSubstr("names a directory"), Not(HasSubstr("geheim"))));
+        }
+    }
+}
+
 TEST_F(Db, StatementsAndTheirDiagnostics) {
     customers();
     // Each statement and the rows it changed; the last went in UTF-8: SQLite

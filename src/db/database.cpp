@@ -40,6 +40,11 @@ bool VntDatabase::Open(const char* dsn, bool exclusive, bool readOnly, const cha
     full += rest;
     const std::string shown = Vnt_DbMaskConnect(full.c_str());
 
+    std::string drv = driverConnect(full);
+    if (const std::string dir = driverWithoutFile(drv); !dir.empty()) {
+        fail(shown, "IM003", "The driver '" + fromUtf8(dir) + "' names a directory, not a driver library.");
+        return false;
+    }
     SQLHENV env = environment();
     if (!env) return false;
     SQLHDBC dbc = SQL_NULL_HDBC;
@@ -55,7 +60,6 @@ bool VntDatabase::Open(const char* dsn, bool exclusive, bool readOnly, const cha
         drop();
         return false;
     }
-    std::string drv = driverConnect(full);
     const SQLRETURN rc = SQLDriverConnect(dbc, nullptr, reinterpret_cast<SQLCHAR*>(drv.data()), SQL_NTS, nullptr, 0,
                                           nullptr, SQL_DRIVER_NOPROMPT);
     if (!check(rc, SQL_HANDLE_DBC, dbc, shown)) {

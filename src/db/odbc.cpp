@@ -237,6 +237,26 @@ std::string driverConnect(std::string_view connect) {
     return out;
 }
 
+std::string driverWithoutFile(std::string_view connect) {
+    for (const Item& it : split(connect)) {
+        if (!it.pair || !sameText(it.key, "Driver")) continue;
+        std::string_view v = trim(it.value);
+        std::string value;
+        if (!v.empty() && v.front() == '{') {
+            v.remove_prefix(1);
+            if (!v.empty() && v.back() == '}') v.remove_suffix(1);
+            for (std::size_t i = 0; i < v.size(); ++i) {
+                value += v[i];
+                if (v[i] == '}' && i + 1 < v.size() && v[i + 1] == '}') ++i;
+            }
+        } else {
+            value = v;
+        }
+        if (!value.empty() && (value.back() == '/' || value.back() == '\\')) return value;
+    }
+    return {};
+}
+
 }  // namespace vnt::db
 
 const char* Vnt_DbLastState() { return vnt::db::state().lastState.c_str(); }

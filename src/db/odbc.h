@@ -38,5 +38,10 @@ void fromWide(const SQLWCHAR* text, std::size_t count, std::string& out);
 /// A connect string as the driver gets it: without "ODBC;", library paths
 /// of the values as host paths, in UTF-8.
 std::string driverConnect(std::string_view connect);
+/// The first "Driver" value of `connect` that names a directory rather than
+/// a library file (it ends in a path separator), unbraced; empty when there
+/// is none. The driver manager must never see one: unixODBC aborts the
+/// process on a driver of separators only.
+std::string driverWithoutFile(std::string_view connect);
 
 }  // namespace vnt::db
