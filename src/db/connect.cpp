@@ -421,10 +421,10 @@ bool Vnt_DsnInstallClient(const char* path) {
     char target[VNT_MAX_PATH];
     vnt::copyBounded(target, path);
     if (DsnIni::IsFile() && DsnIni::DBFileName()[0]) {
-        char dir[VNT_MAX_PATH], file[VNT_MAX_PATH], ext[VNT_MAX_PATH];
-        Vnt_LfnNameSplit(target, dir, file, ext);
-        std::string whole = std::string(file) + ext;
-        if (vnt::sameText(whole, DsnIni::DBFileName())) vnt::copyBounded(target, dir);
+        // The split's file part already holds its extension.
+        char dir[VNT_MAX_PATH], file[VNT_MAX_PATH];
+        Vnt_LfnNameSplit(target, dir, file, nullptr);
+        if (vnt::sameText(file, DsnIni::DBFileName())) vnt::copyBounded(target, dir);
     }
     const char* arg = target;
     return Vnt_AppModLoad(24, static_cast<long>(reinterpret_cast<std::intptr_t>(arg)), 0, false) &&

@@ -60,13 +60,6 @@ std::vector<std::string> readStatements(std::istream& in) {
     return out;
 }
 
-// Names compare without regard to case, as the library's names do.
-bool sameName(const char* a, const char* b) {
-    for (; *a && *b; ++a, ++b)
-        if (Vnt_TxtUpper(static_cast<unsigned char>(*a)) != Vnt_TxtUpper(static_cast<unsigned char>(*b))) return false;
-    return *a == *b;
-}
-
 std::string hostOf(const char* path) {
     char host[4096];
     return Vnt_LfnToHost(path, host, sizeof host) ? std::string(host) : std::string();
@@ -88,10 +81,6 @@ VNT_APP_MODULE_EXPORT std::intptr_t DeskInstCreate(long arg1, long /*arg2*/) {
     VNT_PATH dir{}, dbFile{}, dbTemp{};
     const int tempExtra = 4;  // ".neu"
     bool fits = std::snprintf(dir, sizeof dir, "%s", path) < static_cast<int>(sizeof dir);
-    // A path that names the database file itself stands for its directory.
-    VNT_PATH parent{}, file{};
-    Vnt_LfnNameSplit(dir, parent, file, nullptr);
-    if (fits && *parent && sameName(file, dbName)) std::snprintf(dir, sizeof dir, "%s", parent);
     fits = fits && Vnt_LfnNameMakeAbs(dir) && Vnt_LfnNameMake(dbFile, dir, dbName, nullptr) &&
                       std::snprintf(dbTemp, sizeof dbTemp, "%s.neu", dbFile) < static_cast<int>(sizeof dbTemp);
     if (!fits) {
