@@ -13,7 +13,9 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <initializer_list>
 #include <sstream>
+#include <utility>
 
 #include <wx/cmdline.h>
 #include <wx/image.h>
@@ -76,9 +78,22 @@ std::string sqlText(const char* utf8) {
 }
 
 std::string num(double v, int places) {
-    std::string text;
     char buf[41];
     std::snprintf(buf, sizeof buf, "%.*f", places, v);  // SQL wants the point
+    return buf;
+}
+
+// One row: "INSERT INTO <table> VALUES (<values>)", the values already SQL.
+bool insert(VntDatabase& db, const char* table, std::initializer_list<std::string> values) {
+    std::string sql = std::string("INSERT INTO ") + table + " VALUES (";
+    const char* sep = "";
+    for (const std::string& v : values) sql += std::exchange(sep, ", ") + v;
+    return db.ExecuteSQL((sql + ")").c_str());
+}
+
+std::string day(int year, int month, int dayOfMonth) {
+    char buf[40];  // room for any int, so the compiler sees no truncation
+    std::snprintf(buf, sizeof buf, "'%04d-%02d-%02d'", year, month, dayOfMonth);
     return buf;
 }
 
@@ -86,22 +101,19 @@ std::string num(double v, int places) {
 // series, so that every set-up makes the same data.
 bool fillClient(VntDatabase& db, const Article* articles, int nArticles, const Customer* customers, int nCustomers,
                 int year, int month, int months, int perMonth, unsigned seed) {
+    using std::to_string;
     bool ok = true;
     for (int i = 0; i < nArticles; ++i) {
         const Article& a = articles[i];
-        ok = ok && db.ExecuteSQL(("INSERT INTO article VALUES (" + std::to_string(101 + i) + ", " + sqlText(a.name) +
-                                  ", " + num(a.price, 2) + ", " + num(a.vat, 1) + ", " + std::to_string(a.stock) +
-                                  ", '2025-01-01')").c_str());
+        ok = ok && insert(db, "article", {to_string(101 + i), sqlText(a.name), num(a.price, 2), num(a.vat, 1),
+                                          to_string(a.stock), "'2025-01-01'"});
     }
     for (int i = 0; i < nCustomers; ++i) {
         const Customer& c = customers[i];
-        char since[40], contact[40];  // room for any int, so the compiler sees no truncation
-        std::snprintf(since, sizeof since, "%04d-%02d-%02d", 2015 + i, 1 + (i * 5) % 12, 1 + (i * 7) % 28);
-        std::snprintf(contact, sizeof contact, "%04d-%02d-%02d", year, month, 3 + i);
-        ok = ok && db.ExecuteSQL(("INSERT INTO customer VALUES (" + std::to_string(1001 + i) + ", " + sqlText(c.name) +
-                                  ", " + sqlText(c.street) + ", " + sqlText(c.zip) + ", " + sqlText(c.city) + ", " +
-                                  num(c.discount, 2) + ", " + std::to_string(c.days) + ", " + num(c.limit, 2) +
-                                  ", '" + since + "', '" + contact + "', NULL)").c_str());
+        ok = ok && insert(db, "customer", {to_string(1001 + i), sqlText(c.name), sqlText(c.street), sqlText(c.zip),
+                                           sqlText(c.city), num(c.discount, 2), to_string(c.days), num(c.limit, 2),
+                                           day(2015 + i, 1 + (i * 5) % 12, 1 + (i * 7) % 28), day(year, month, 3 + i),
+                                           "NULL"});
     }
     unsigned r = seed;
     auto next = [&r](unsigned n) { r = r * 1103515245u + 12345u; return (r >> 16) % n; };
@@ -116,11 +128,9 @@ bool fillClient(VntDatabase& db, const Article* articles, int nArticles, const C
             double net = articles[ai].price * static_cast<double>(qty);
             Vnt_FloatRabattBetrag(&net, customers[ci].discount, true);
             Vnt_MoneyRound(&net);
-            char date[40];
-            std::snprintf(date, sizeof date, "%04d-%02d-%02d", y, mo, 1 + static_cast<int>(next(28)));
-            ok = ok && db.ExecuteSQL(("INSERT INTO orders VALUES (" + std::to_string(nr++) + ", " +
-                                      std::to_string(1001 + ci) + ", " + std::to_string(101 + ai) + ", " +
-                                      std::to_string(qty) + ", " + num(net, 2) + ", '" + date + "')").c_str());
+            const int dom = 1 + static_cast<int>(next(28));
+            ok = ok && insert(db, "orders", {to_string(nr++), to_string(1001 + ci), to_string(101 + ai),
+                                             to_string(qty), num(net, 2), day(y, mo, dom)});
         }
     }
     return ok;
