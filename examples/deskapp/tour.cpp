@@ -223,7 +223,13 @@ std::string Tour::shot(const std::string& name) {
 
 void Tour::watch() {
     if (progress_ && progress_->IsShown() && progressShot_.empty()) {
-        progress_->Update();
+        // The copy waits while this runs: give the window system the time
+        // to put the dialog on the screen before the picture is taken.
+        for (int i = 0; i < 10; ++i) {
+            progress_->Update();
+            wxTheApp->Yield(true);
+            wxMilliSleep(20);
+        }
         progressShot_ = shot("progress");
     }
     if (inHandler_) return;
