@@ -156,10 +156,8 @@ TEST(AppModuleRules, PrefixesCommandIdsResultKindsAndValueStack) {
         EXPECT_EQ(vnt::app::isPlainResult(r), plain) << r;
     // The value stack: last in, first out, ten places.
     vnt::test::resetAll();
-    for (long v = 1; v <= 10; ++v) EXPECT_TRUE(Vnt_AppModQueuePush(v));
-    EXPECT_FALSE(Vnt_AppModQueuePush(11));
-    for (long v = 10; v >= 1; --v) EXPECT_EQ(Vnt_AppModQueuePop(), v);
-    EXPECT_EQ(Vnt_AppModQueuePop(), 0);
+    for (long v = 1; v <= 11; ++v) EXPECT_EQ(Vnt_AppModQueuePush(v), v <= 10) << v;
+    for (long v = 10; v >= 0; --v) EXPECT_EQ(Vnt_AppModQueuePop(), v);
 }
 
 TEST_F(AppModule, TableLinesAndEnumeration) {
@@ -177,10 +175,9 @@ TEST_F(AppModule, TableLinesAndEnumeration) {
     ASSERT_NE(r = Vnt_AppModInfoEx(VNT_APP_MODINFO_NEXT), nullptr);
     EXPECT_EQ(std::tuple(r->nCmdId, r->nFlags, r->szDescription), std::tuple(65536, 8u, "Plain"s));
     EXPECT_EQ(Vnt_AppModInfo(VNT_APP_MODINFO_NEXT)->nFlags, 0x8000u);
-    EXPECT_EQ(Vnt_AppModInfo(VNT_APP_MODINFO_NEXT), nullptr);
+    EXPECT_TRUE(Vnt_AppModInfo(VNT_APP_MODINFO_NEXT) == nullptr && Vnt_AppModInfo(7) == nullptr);
     EXPECT_EQ(Vnt_AppModInfo(0x80000000L)->nModule, 65535);  // the 32-bit spelling
     EXPECT_EQ(static_cast<const void*>(Vnt_AppModInfo(-1)), static_cast<const void*>(Vnt_AppModInfoEx(-1)));
-    EXPECT_EQ(Vnt_AppModInfo(7), nullptr);
     EXPECT_EQ(box.shown.size(), 2u);
 }
 
@@ -201,8 +198,7 @@ TEST_F(AppModule, PlainResultsEntryFunctionsAndTheKeepFlag) {
     EXPECT_TRUE(gave(Vnt_AppModLoad(11L), false, 1));  // no function, no default: internal error 2
     static const char other[] = "ModOther";
     Vnt_AppModSetFunctionName(other);
-    EXPECT_TRUE(Vnt_AppModLoad(11L));
-    EXPECT_EQ(Vnt_AppModResult(), 42);
+    EXPECT_TRUE(Vnt_AppModLoad(11L) && Vnt_AppModResult() == 42);
     // "ModStack.dll" is libModStack.so; it pops its result from our stack.
     Vnt_AppModQueuePush(7);
     EXPECT_TRUE(gave(Vnt_AppModLoad(12L, 1), true, 1));
@@ -245,9 +241,7 @@ TEST_F(AppModule, AnUnreadableTableIsToldOnce) {
         box.answers = {VntBoxAnswer{VNT_BTN_CANCEL, false}};  // what a box without a terminal answers
         EXPECT_FALSE(vnt::app::loadModuleTable());
         EXPECT_EQ(box.shown.size(), 0u);
-        EXPECT_FALSE(Vnt_AppModLoad(10));
-        EXPECT_EQ(Vnt_AppModInfo(10), nullptr);
-        EXPECT_FALSE(Vnt_AppModLoad(20));
+        EXPECT_FALSE(Vnt_AppModLoad(10) || Vnt_AppModInfo(10) || Vnt_AppModLoad(20));
         ASSERT_EQ(box.shown.size(), 1u);
         EXPECT_EQ(box.shown[0].text, "The module table \"" + file + "\" could not be read (status " + std::to_string(r.status) +
                                          ": " + Vnt_VtmStatusText(r.status) + "). No modules can be started.");
@@ -255,13 +249,11 @@ TEST_F(AppModule, AnUnreadableTableIsToldOnce) {
     // A table without entries says so too.
     vnt::app::resetModules(), box.shown.clear();
     vnt::test::writeIniLibrary(dir_, "Modules.vtm", {});
-    EXPECT_FALSE(vnt::app::loadModuleTable());
-    EXPECT_FALSE(Vnt_AppModLoad(10));
+    EXPECT_FALSE(vnt::app::loadModuleTable() || Vnt_AppModLoad(10));
     EXPECT_TRUE(said("(status 11: "));
     // Never loaded: each use stays an internal error.
     vnt::app::resetModules(), box.shown.clear();
-    EXPECT_FALSE(Vnt_AppModLoad(10));
-    EXPECT_FALSE(Vnt_AppModLoad(10));
+    EXPECT_FALSE(Vnt_AppModLoad(10) || Vnt_AppModLoad(10));
     EXPECT_EQ(box.shown.size(), 2u);
 }
 
@@ -296,17 +288,15 @@ TEST_F(AppModule, SearchPrefersTheCurrentDirectory) {
 
 TEST_F(AppModule, SingleInstanceActivatesItsWindowAndModalLoopsTellTheMainWindow) {
     table({"30, ModPlain.dll, Single, ModMain, 1"});
-    ASSERT_TRUE(Vnt_AppModLoad(30L, 3));
     VNT_HWND w = win.CreateFake("single");
-    ASSERT_TRUE(Vnt_AppInit(w, -1));
+    ASSERT_TRUE(Vnt_AppModLoad(30L, 3) && Vnt_AppInit(w, -1));
     EXPECT_EQ(Vnt_AppModInfoEx(30)->hWndMain, w);
     Vnt_AppModSetResult(5);
     EXPECT_TRUE(Vnt_AppModLoad(30L, 3));
     EXPECT_EQ(Vnt_AppModResult(), 0) << "not called again";
     EXPECT_EQ(lastToMain(), std::pair(VNT_WM_MDIACTIVATE, reinterpret_cast<uintptr_t>(w)));
     Vnt_AppTerm(w), win.Destroy(w);
-    EXPECT_TRUE(Vnt_AppModLoad(30L, 3));
-    EXPECT_EQ(Vnt_AppModResult(), 1);
+    EXPECT_TRUE(Vnt_AppModLoad(30L, 3) && Vnt_AppModResult() == 1);
     win.ClearMessages(main_);
     VNT_HWND dlg = win.CreateFake("dlg");
     win.modalDefault = 5;
@@ -363,21 +353,17 @@ TEST_F(AppModule, ExclusiveModulesAskBeforeOthersLoad) {
 TEST_F(AppModule, WindowTableAndTemplatesThatKeepTheLibraryUntilTheirLastWindowClosed) {
     table({"20, ModTmpl.dll, Tmpl, ModMain, 0", "10, ModPlain.dll, Plain, ModMain, 0"});
     EXPECT_TRUE(gave(Vnt_AppInit(win.CreateFake("x"), -1), false, 1));  // no current module: internal error 5
-    EXPECT_TRUE(Vnt_AppInit(win.CreateFake("y"), 99)) << "no module: not registered";
-    EXPECT_EQ(Vnt_AppModHwnd(0), nullptr);
+    EXPECT_TRUE(Vnt_AppInit(win.CreateFake("y"), 99) && !Vnt_AppModHwnd(0)) << "no module: not registered";
     TestTemplateLog log;
     ASSERT_TRUE(Vnt_AppModLoad(20L, ptr(&log)));
     const VNT_APP_MODINFOEX* rec = Vnt_AppModInfoEx(20);
     EXPECT_EQ(std::tuple(log.created, log.opened, rec->pDocTemplate != nullptr, rec->hInstance != nullptr),
               std::tuple(1, 1, true, true));
     VNT_HWND doc = win.CreateFake("doc"), doc2 = win.CreateFake("doc2"), plain = win.CreateFake("plain");
-    ASSERT_TRUE(Vnt_AppInit(doc, -1));
-    EXPECT_FALSE(Vnt_AppInit(doc, 20)) << "registered already";
-    ASSERT_TRUE(Vnt_AppInit(doc2, 20));
+    ASSERT_TRUE(Vnt_AppInit(doc, -1) && !Vnt_AppInit(doc, 20) && Vnt_AppInit(doc2, 20)) << "registered once";
     EXPECT_EQ(rec->nOpenWindows, 2);
     Vnt_AppTerm(doc);
-    EXPECT_EQ(Vnt_AppModHwnd(0), doc2) << "slots move down";
-    EXPECT_FALSE(rec->bUnloadPending);
+    EXPECT_TRUE(Vnt_AppModHwnd(0) == doc2 && !rec->bUnloadPending) << "slots move down";
     Vnt_AppTerm(doc2);
     EXPECT_TRUE(rec->bUnloadPending);
     // Documents still open: internal error 10, the library stays.
@@ -387,14 +373,11 @@ TEST_F(AppModule, WindowTableAndTemplatesThatKeepTheLibraryUntilTheirLastWindowC
     log.openDocuments = false;
     Vnt_AppTerm(plain);
     EXPECT_EQ(std::pair(log.removed, log.destroyed), std::pair(1, 1));
-    EXPECT_TRUE(rec->pDocTemplate == nullptr && rec->hInstance == nullptr && !rec->bUnloadPending);
-    EXPECT_EQ(Vnt_AppModHwnd(0), nullptr);
+    EXPECT_TRUE(!rec->pDocTemplate && !rec->hInstance && !rec->bUnloadPending && !Vnt_AppModHwnd(0));
     // A hundred slots.
     for (int i = 0; i < 100; ++i) ASSERT_TRUE(Vnt_AppInit(win.CreateFake("w"), 10)) << i;
     EXPECT_TRUE(gave(Vnt_AppInit(win.CreateFake("full"), 10), false, 3));  // internal error 8
-    EXPECT_NE(Vnt_AppModHwnd(99), nullptr);
-    EXPECT_EQ(Vnt_AppModHwnd(100), nullptr);
-    EXPECT_EQ(Vnt_AppModHwnd(-1), nullptr);
+    EXPECT_TRUE(Vnt_AppModHwnd(99) && !Vnt_AppModHwnd(100) && !Vnt_AppModHwnd(-1));
 }
 
 TEST_F(AppModule, ClientChain) {
@@ -441,8 +424,7 @@ TEST_F(AppModule, ProgramsStartInTheProgramDirectoryByTheirBareNameOrThroughAnIn
     EXPECT_FALSE(fs::exists(dir_ / "work" / "out.txt"));
     EXPECT_TRUE(gave(Vnt_AppModLoad(21L), true, 0));
     EXPECT_FALSE(Vnt_AppModLoad(22L));
-    EXPECT_TRUE(said("Error 2: "));
-    EXPECT_TRUE(said("NoSuchTool.exe"));
+    EXPECT_TRUE(said("Error 2: ") && said("NoSuchTool.exe"));
     // INI indirection: the program the INI file names starts, with its arguments.
     box.shown.clear();
     writeTool(dir_ / "bin" / "tool.sh");
@@ -475,9 +457,8 @@ TEST_F(AppModule, HelpModulesOpenTheHelpPort) {
     }
     EXPECT_TRUE(Vnt_AppModLoad(13L)) << "the program's own help, with a main window";
     win.SetMainWindow(nullptr);
-    EXPECT_FALSE(Vnt_AppModLoad(13L));
     help.answer = false;
-    EXPECT_FALSE(Vnt_AppModLoad(5L));
+    EXPECT_FALSE(Vnt_AppModLoad(13L) || Vnt_AppModLoad(5L));
     EXPECT_TRUE(said("could not be loaded"));
 }
 
@@ -492,9 +473,7 @@ TEST_F(AppModule, VersionCheckComparesHighAndLowApart) {
     EXPECT_TRUE(gave(Vnt_AppModCheckVer("ModPlain.dll", 0, 0), false, 0)) << "no version block: no message";
     EXPECT_TRUE(gave(Vnt_AppModCheckVer("ModNoEntry.dll", 0, 0), false, 1));  // 48 bytes: internal error 13
     EXPECT_TRUE(gave(Vnt_AppModCheckVer("Missing.dll", 0, 0), false, 2)) << "unreadable counts as failed";
-}
-
-TEST_F(AppModule, VersionCheckWithoutMainWindowEndsTheProgram) {
+    // Without a main window an outdated module ends the program.
     win.SetMainWindow(nullptr);
     EXPECT_EXIT(Vnt_AppModCheckVer(lib(dir_ / "ModVer.dll").c_str(), 9, 0), ::testing::ExitedWithCode(0), "");
 }
