@@ -61,16 +61,14 @@ TEST_F(Db, OpenCloseAndTheConnectString) {
     EXPECT_EQ(db_.GetConnectRaw(), raw) << "as given: it reopens the database";
     EXPECT_THAT(db_.GetConnect(), AllOf(HasSubstr("PWD=****"), Not(HasSubstr("geheim"))));
     EXPECT_THAT(db_.DriverName(), HasSubstr("sqlite3"));
-    db_.Close();
+    db_.Close(), db_.Close();  // twice does nothing
     EXPECT_TRUE(!db_.IsOpen() && std::string(db_.GetConnectRaw()).empty());
-    db_.Close();  // twice does nothing
 
     // Without the prefix; a library path with an umlaut goes to the driver as
     // its host path, and the driver creates the file there.
     ASSERT_TRUE(db_.OpenEx("DRIVER=SQLite3;Database=T:\\Gr\xFC\xDF" "e.db"));
     EXPECT_EQ(std::string(db_.GetConnectRaw()), "ODBC;DRIVER=SQLite3;Database=T:\\Gr\xFC\xDF" "e.db");
-    EXPECT_TRUE(db_.ExecuteSQL("CREATE TABLE t (a INTEGER)"));
-    EXPECT_TRUE(fs::exists(dir_ / "Grüße.db"));
+    EXPECT_TRUE(db_.ExecuteSQL("CREATE TABLE t (a INTEGER)") && fs::exists(dir_ / "Grüße.db"));
 
     // A connection that fails keeps the password out of the box.
     EXPECT_FALSE(db_.OpenEx("DRIVER=NoSuchDriver;Database=x;PWD=geheim") || db_.IsOpen());
@@ -80,8 +78,7 @@ TEST_F(Db, OpenCloseAndTheConnectString) {
                                  HasSubstr(std::string("SQLSTATE ") + Vnt_DbLastState()), Not(HasSubstr("geheim"))));
 
     EXPECT_FALSE(db_.Open(nullptr, true, false, connect().c_str())) << "exclusive access";
-    ASSERT_EQ(box.shown.size(), 2u);
-    EXPECT_THAT(lastBox(), HasSubstr("exclusive"));
+    EXPECT_TRUE(box.shown.size() == 2u && lastBox().find("exclusive") != std::string::npos) << lastBox();
 }
 
 // A driver naming a directory is refused before the driver manager sees
@@ -118,8 +115,7 @@ TEST_F(Db, StatementsAndTheirDiagnostics) {
     Vnt_DbClearError();
     EXPECT_FALSE(db_.ExecuteSQL("SELEKT * FROM kunden"));
     ASSERT_EQ(box.shown.size(), 1u) << "and none before";
-    EXPECT_STREQ(Vnt_DbLastState(), "HY000");
-    EXPECT_THAT(Vnt_DbLastError(), HasSubstr("syntax error"));
+    EXPECT_THAT(Vnt_DbLastState() + std::string("|") + Vnt_DbLastError(), AllOf(::testing::StartsWith("HY000|"), HasSubstr("syntax error")));
     EXPECT_THAT(lastBox(), AllOf(HasSubstr("SELEKT * FROM kunden"), HasSubstr("SQLSTATE HY000: "), HasSubstr("syntax error")));
     Vnt_DbClearError();
     EXPECT_TRUE(std::string(Vnt_DbLastState()).empty() && std::string(Vnt_DbLastError()).empty());
@@ -130,12 +126,10 @@ TEST_F(Db, RecordSetsReadAndMoveScrollingOrForward) {
     for (unsigned options : {0u, VNT_RS_FORWARDONLY}) {
         SCOPED_TRACE(options);
         VntRecordset rs(&db_);
-        ASSERT_TRUE(rs.Open("SELECT * FROM kunden ORDER BY id", options));
-        EXPECT_EQ(rs.CanScroll(), options == 0);
-        EXPECT_TRUE(rs.CanUpdate() && std::string(rs.TableName()) == "kunden");
-        ASSERT_EQ(rs.GetFieldCount(), 6);
-        EXPECT_TRUE(std::string(rs.GetFieldName(1)) == "name" && rs.GetFieldIndex("BETRAG") == 2);
-        EXPECT_EQ(rs.GetFieldKind(4), VntDbKind::Timestamp);
+        ASSERT_TRUE(rs.Open("SELECT * FROM kunden ORDER BY id", options) && rs.GetFieldCount() == 6);
+        EXPECT_TRUE(rs.CanScroll() == (options == 0) && rs.CanUpdate() && std::string(rs.TableName()) == "kunden");
+        EXPECT_TRUE(std::string(rs.GetFieldName(1)) == "name" && rs.GetFieldIndex("BETRAG") == 2 &&
+                    rs.GetFieldKind(4) == VntDbKind::Timestamp);
 
         // Each step: the move, its result, then the id (-1: none), BOF, EOF.
         enum Move { First, Next, Prev, Last };
@@ -167,13 +161,11 @@ TEST_F(Db, RecordSetsReadAndMoveScrollingOrForward) {
 
         // Record 1: the umlaut, and a null field.
         rs.MoveFirst();
-        EXPECT_EQ(text(rs, "name"), "M\xFCller");
-        EXPECT_TRUE(rs.IsFieldNull("notiz") && !rs.IsFieldNull("name"));
+        EXPECT_TRUE(text(rs, "name") == "M\xFCller" && rs.IsFieldNull("notiz") && !rs.IsFieldNull("name"));
         std::string s = "old";
         EXPECT_TRUE(!rs.GetFieldValue("notiz", s) && s.empty()) << "null reads as nothing";
         rs.MoveLast();
-        EXPECT_EQ(text(rs, "name"), "\x80uro");
-        EXPECT_TRUE(rs.IsFieldNull("datum") && !rs.IsFieldNull("notiz")) << "an empty text is no null";
+        EXPECT_TRUE(text(rs, "name") == "\x80uro" && rs.IsFieldNull("datum") && !rs.IsFieldNull("notiz")) << "an empty text is no null";
     }
     VntRecordset empty(&db_);
     ASSERT_TRUE(empty.Open("SELECT * FROM kunden WHERE id < 0"));
@@ -213,10 +205,9 @@ TEST_F(Db, ConversionsOfFieldValues) {
         rs.MoveNext();
     }
     VNT_TIME t{};
-    rs.MoveLast();
-    EXPECT_TRUE(rs.GetFieldValue("t", t) && t.hour == 13 && t.minute == 14) << "a time from a text";
     VNT_DATE date{};
-    EXPECT_FALSE(rs.GetFieldValue("t", date)) << "no date in a time";
+    rs.MoveLast();
+    EXPECT_TRUE(rs.GetFieldValue("t", t) && t.hour == 13 && t.minute == 14 && !rs.GetFieldValue("t", date)) << "a time, no date";
     EXPECT_TRUE(box.shown.empty());
 }
 
@@ -236,10 +227,8 @@ TEST_F(Db, ChangesAddsAndDeletes) {
                     rs.SetFieldNull("notiz"));
         ASSERT_TRUE(rs.Update() && rs.GetEditMode() == VntEditMode::None);
         EXPECT_EQ(text(rs, "name"), name);
-        EXPECT_TRUE(rs.MoveNext() && rs.MovePrev());
-        EXPECT_EQ(text(rs, "name") + "|" + text(rs, "datum"), name + "|2025-01-02")
-            << "the changed record shows its new values again";
-        EXPECT_TRUE(rs.IsFieldNull("notiz"));
+        EXPECT_TRUE(rs.MoveNext() && rs.MovePrev() && rs.IsFieldNull("notiz"));
+        EXPECT_EQ(text(rs, "name") + "|" + text(rs, "datum"), name + "|2025-01-02") << "the changed record shows its new values again";
 
         // In the database: the text in UTF-8 (umlauts as two bytes), the
         // amount as a number.
@@ -254,19 +243,14 @@ TEST_F(Db, ChangesAddsAndDeletes) {
         rs.MoveNext();
         ASSERT_TRUE(rs.AddNew() && rs.IsFieldNull("name"));
         EXPECT_TRUE(rs.SetFieldNull("id") && rs.SetFieldValue("name", "Neu") && rs.SetFieldValue("betrag", "7,5"));
-        ASSERT_TRUE(rs.Update());
-        EXPECT_EQ(id(rs), 2);
-
+        ASSERT_TRUE(rs.Update() && id(rs) == 2);
         // Delete record 2: it stays in place, deleted.
         ASSERT_TRUE(rs.Delete() && rs.IsDeleted());
         std::string s = "x";
         EXPECT_TRUE(!rs.GetFieldValue("name", s) && s.empty());
-        rs.MoveNext();
-        EXPECT_TRUE(!rs.IsDeleted() && id(rs) == 3);
-        rs.MovePrev();
-        EXPECT_TRUE(rs.IsDeleted()) << "visited again";
-        EXPECT_FALSE(rs.Edit()) << "a deleted record";
-        EXPECT_EQ(box.shown.size(), 1u) << "its message, and none before";
+        EXPECT_TRUE(rs.MoveNext() && !rs.IsDeleted() && id(rs) == 3);
+        EXPECT_TRUE(rs.MovePrev() && rs.IsDeleted()) << "visited again";
+        EXPECT_TRUE(!rs.Edit() && box.shown.size() == 1u) << "a deleted record: its message, and none before";
         box.shown.clear();
 
         ASSERT_TRUE(rs.Requery());
@@ -328,8 +312,7 @@ TEST_F(Db, WhatCannotBeChangedIsReported) {
     box.shown.clear();
     ASSERT_TRUE(db_.ExecuteSQL("DELETE FROM kunden WHERE id = 1"));
     ASSERT_TRUE(rs.Edit() && rs.SetFieldValue("name", "weg"));
-    EXPECT_FALSE(rs.Update());
-    EXPECT_EQ(rs.GetEditMode(), VntEditMode::Edit) << "the changes are still pending";
+    EXPECT_TRUE(!rs.Update() && rs.GetEditMode() == VntEditMode::Edit) << "the changes are still pending";
     EXPECT_FALSE(rs.Delete());
     ASSERT_EQ(box.shown.size(), 2u);
     EXPECT_THAT(box.shown[0].text, HasSubstr("The record in \"kunden\" was not changed: 0 records"));
