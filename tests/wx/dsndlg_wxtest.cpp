@@ -18,13 +18,9 @@
 
 #include <wx/button.h>
 #include <wx/checkbox.h>
-#include <wx/dcclient.h>
-#include <wx/dcmemory.h>
-#include <wx/image.h>
 #include <wx/listbox.h>
 #include <wx/radiobut.h>
 #include <wx/stattext.h>
-#include <wx/stdpaths.h>
 #include <wx/textctrl.h>
 #include <wx/uiaction.h>
 
@@ -55,42 +51,42 @@ T* shown(long number) {
     return nullptr;
 }
 
-// A click on a control as wx delivers it.
+// A control's event as wx delivers it after the user's change.
+void fire(wxWindow* c, wxEventType type, int value = 0) {
+    wxCommandEvent e(type, c->GetId());
+    e.SetEventObject(c);
+    e.SetInt(value);
+    c->GetEventHandler()->ProcessEvent(e);
+}
+
+template <class T = wxWindow>
+T* ctl(wxWindow* dlg, int id) {
+    auto* c = dlg ? dynamic_cast<T*>(dlg->FindWindow(id)) : nullptr;
+    EXPECT_NE(c, nullptr) << "no control " << id;
+    return c;
+}
+
 void click(wxWindow* dlg, int id) {
-    wxWindow* b = dlg ? dlg->FindWindow(id) : nullptr;
-    ASSERT_NE(b, nullptr) << "no control " << id;
-    ASSERT_TRUE(b->IsEnabled()) << "control " << id << " is disabled";
-    wxCommandEvent e(wxEVT_BUTTON, id);
-    e.SetEventObject(b);
-    b->GetEventHandler()->ProcessEvent(e);
+    wxWindow* b = ctl(dlg, id);
+    ASSERT_TRUE(b && b->IsEnabled()) << "control " << id << " is missing or disabled";
+    fire(b, wxEVT_BUTTON);
 }
 
 void choose(wxWindow* dlg, int index) {
-    auto* list = dynamic_cast<wxListBox*>(dlg->FindWindow(VNT_DSN_IDC_LIST));
-    ASSERT_NE(list, nullptr);
+    auto* list = ctl<wxListBox>(dlg, VNT_DSN_IDC_LIST);
     if (index < 0) list->DeselectAll();
     else list->SetSelection(index);
-    wxCommandEvent e(wxEVT_LISTBOX, VNT_DSN_IDC_LIST);
-    e.SetEventObject(list);
-    e.SetInt(index);
-    list->GetEventHandler()->ProcessEvent(e);
+    fire(list, wxEVT_LISTBOX, index);
 }
 
 void tick(wxWindow* dlg, int id, bool on) {
-    auto* box = dynamic_cast<wxCheckBox*>(dlg->FindWindow(id));
-    ASSERT_NE(box, nullptr);
-    box->SetValue(on);
-    wxCommandEvent e(wxEVT_CHECKBOX, id);
-    e.SetEventObject(box);
-    e.SetInt(on);
-    box->GetEventHandler()->ProcessEvent(e);
+    ctl<wxCheckBox>(dlg, id)->SetValue(on);
+    fire(dlg->FindWindow(id), wxEVT_CHECKBOX, on);
 }
 
-void type(wxWindow* dlg, int id, const char* utf8) {
-    auto* t = dynamic_cast<wxTextCtrl*>(dlg->FindWindow(id));
-    ASSERT_NE(t, nullptr);
-    t->SetValue(wxString::FromUTF8(utf8));
-}
+bool ticked(wxWindow* dlg, int id) { return ctl<wxCheckBox>(dlg, id)->GetValue(); }
+
+void type(wxWindow* dlg, int id, const char* utf8) { ctl<wxTextCtrl>(dlg, id)->SetValue(wxString::FromUTF8(utf8)); }
 
 std::string listShown(wxWindow* dlg) {
     auto* list = dynamic_cast<wxListBox*>(dlg->FindWindow(VNT_DSN_IDC_LIST));
@@ -225,37 +221,41 @@ TEST_F(ClientDialogs, EntryDialogsChoicesAndTheDirectoryTree) {
     const Client kV{"*=Vierter", "DtaPth=T:\\Daten\\M4"};
     const struct {
         const char* what;
-        int chosen, button;  // 1003 edit, 1004 insert
+        int button;          // edit (the chosen client) or insert
         const char* name;    // UTF-8; null: left as it is
         const char* browse;  // a directory chosen in 30026 for the path, else null
         const char* path;    // typed path, else null
         bool atEnd;
         long choice;         // the dialog that asks, 0: none
         int radio;           // the choice taken there
+        int modules;         // installation and set-up run (both answer 1)
         bool closed;         // the entry dialog closed
         std::vector<Client> file;
     } rows[] = {
-        {"rename", 1, VNT_DSN_IDC_EDIT, "Schulze & Co", nullptr, nullptr, false, 0, 0, true,
+        {"rename", VNT_DSN_IDC_EDIT, "Schulze & Co", nullptr, nullptr, false, 0, 0, 0, true,
          {kM, {"*=Schulze & Co", kS[1]}, kK}},
-        {"path from the tree", 1, VNT_DSN_IDC_EDIT, nullptr, "T:\\Daten\\M4", nullptr, false, 0, 0, true,
+        {"path from the tree", VNT_DSN_IDC_EDIT, nullptr, "T:\\Daten\\M4", nullptr, false, 0, 0, 0, true,
          {kM, {kS[0], "DtaPth=T:\\Daten\\M4"}, kK}},
-        {"moved where nothing is: cancelled", 1, VNT_DSN_IDC_EDIT, nullptr, nullptr, "T:\\Daten\\Neu", false, 30024,
-         wxID_CANCEL, false, {kM, kS, kK}},
-        {"new at the end", 1, VNT_DSN_IDC_INSERT, "Vierter", "T:\\Daten\\M4", nullptr, true, 30025, VNT_DSN_IDC_ONLY,
+        {"moved where nothing is: cancelled", VNT_DSN_IDC_EDIT, nullptr, nullptr, "T:\\Daten\\Neu", false, 30024,
+         wxID_CANCEL, 0, false, {kM, kS, kK}},
+        {"new at the end", VNT_DSN_IDC_INSERT, "Vierter", "T:\\Daten\\M4", nullptr, true, 30025, VNT_DSN_IDC_ONLY, 0,
          true, {kM, kS, kK, kV}},
-        {"a name that is taken", 1, VNT_DSN_IDC_INSERT, "kaputt", nullptr, "T:\\Daten\\M4", false, 0, 0, false,
+        {"a name that is taken", VNT_DSN_IDC_INSERT, "kaputt", nullptr, "T:\\Daten\\M4", false, 0, 0, 0, false,
          {kM, kS, kK}},
+        {"moved where nothing is: installed and set up", VNT_DSN_IDC_EDIT, nullptr, nullptr, "T:\\Daten\\Neu", false,
+         30024, VNT_DSN_IDC_INSTALL, 2, true, {kM, {kS[0], "DtaPth=T:\\Daten\\Neu"}, kK}},
     };
     for (const auto& r : rows) {
         SCOPED_TRACE(r.what);
         fresh();
+        for (int i = 0; i < r.modules; ++i) Vnt_AppModQueuePush(1);
         DsnIni reg(this);
         ASSERT_TRUE(reg.LoadSettings());
         VntDsnSelection model(reg, request());
         VntDsnSelectDlg dlg(model, nullptr);
         dlg.Show();
         pump(20);
-        choose(&dlg, r.chosen);
+        choose(&dlg, 1);
         const long entryNumber = r.button == VNT_DSN_IDC_EDIT ? 30022 : 30023;
         bool entrySeen = false, choiceSeen = false, stayed = false;
         std::string treePath;
@@ -281,14 +281,9 @@ TEST_F(ClientDialogs, EntryDialogsChoicesAndTheDirectoryTree) {
                     auto* choice = shown<VntDsnChoiceDlg>(r.choice);
                     ASSERT_NE(choice, nullptr);
                     choiceSeen = true;
-                    auto* only = dynamic_cast<wxRadioButton*>(choice->FindWindow(VNT_DSN_IDC_ONLY));
-                    ASSERT_TRUE(only && only->GetValue()) << "the first choice is preselected";
-                    if (r.radio == wxID_CANCEL) {
-                        click(choice, wxID_CANCEL);
-                    } else {
-                        dynamic_cast<wxRadioButton*>(choice->FindWindow(r.radio))->SetValue(true);
-                        click(choice, wxID_OK);
-                    }
+                    ASSERT_TRUE(ctl<wxRadioButton>(choice, VNT_DSN_IDC_ONLY)->GetValue()) << "the first is preselected";
+                    if (r.radio != wxID_CANCEL) ctl<wxRadioButton>(choice, r.radio)->SetValue(true);
+                    click(choice, r.radio == wxID_CANCEL ? wxID_CANCEL : wxID_OK);
                 });
             }
             click(entry, wxID_OK);
@@ -302,9 +297,12 @@ TEST_F(ClientDialogs, EntryDialogsChoicesAndTheDirectoryTree) {
         EXPECT_EQ(choiceSeen, r.choice != 0);
         EXPECT_EQ(stayed, !r.closed);
         EXPECT_EQ(treePath, r.browse ? r.browse : "");
+        EXPECT_EQ(Vnt_AppModQueuePop(), 0) << "the modules ran";
+        EXPECT_STREQ(Vnt_AppDSN(), r.modules ? "Schulze KG" : "") << "connected at the new path";
         click(&dlg, VNT_DSN_IDC_SAVE);
         EXPECT_EQ(get(), listText(r.file)) << boxes();
     }
+    EXPECT_STREQ(Vnt_AppDataPath(), "T:\\Daten\\Neu");
 }
 
 TEST_F(ClientDialogs, VntDlgDsnShowsTheSelectionOkConnectsAndKeepsTheChoices) {
@@ -320,12 +318,12 @@ TEST_F(ClientDialogs, VntDlgDsnShowsTheSelectionOkConnectsAndKeepsTheChoices) {
         box.answers = {{VNT_BTN_YES}};
         click(dlg, VNT_DSN_IDC_DELETE);
         choose(dlg, 1);
-        EXPECT_TRUE(dynamic_cast<wxCheckBox*>(dlg->FindWindow(VNT_DSN_IDC_DEFAULT))->GetValue()) << "the default";
+        EXPECT_TRUE(ticked(dlg, VNT_DSN_IDC_DEFAULT)) << "the default";
         choose(dlg, 0);
-        sawDefault = dynamic_cast<wxCheckBox*>(dlg->FindWindow(VNT_DSN_IDC_DEFAULT))->GetValue();
+        sawDefault = ticked(dlg, VNT_DSN_IDC_DEFAULT);
         tick(dlg, VNT_DSN_IDC_DEFAULT, true);
         tick(dlg, VNT_DSN_IDC_NOSHOW, true);
-        EXPECT_TRUE(dynamic_cast<wxCheckBox*>(dlg->FindWindow(VNT_DSN_IDC_NOSHOW))->GetValue());
+        EXPECT_TRUE(ticked(dlg, VNT_DSN_IDC_NOSHOW));
         click(dlg, wxID_OK);
     });
     VntDatabase* db = nullptr;
@@ -395,7 +393,7 @@ TEST_F(ClientDialogs, SupplementStartsTheInstallationAndHelpOpensItsTopic) {
     dlg.Show();
     pump(20);
     choose(&dlg, 1);
-    EXPECT_TRUE(dynamic_cast<wxCheckBox*>(dlg.FindWindow(VNT_DSN_IDC_DEFAULT))->GetValue()) << "the default client";
+    EXPECT_TRUE(ticked(&dlg, VNT_DSN_IDC_DEFAULT)) << "the default client";
     box.answers = {{VNT_BTN_YES}, {VNT_BTN_YES}};
     Vnt_AppModSetResult(0);
     Vnt_AppModQueuePush(7);  // what module 24 answers
@@ -507,40 +505,6 @@ TEST_F(ClientDialogs, PicturesOfEveryDialogInBothLanguages) {
         for (auto& d : dlgs) d.release()->Destroy();
         pump(20);
     }
-}
-
-}  // namespace
-
-namespace {
-
-TEST_F(ClientDialogs, InstallationChosenInTheEntryDialogStartsModules24And23) {
-    DsnIni reg(this);
-    ASSERT_TRUE(reg.LoadSettings());
-    VntDsnSelection model(reg, request());
-    VntDsnSelectDlg dlg(model, nullptr);
-    dlg.Show();
-    pump(20);
-    choose(&dlg, 1);
-    for (long result : {1L, 1L}) Vnt_AppModQueuePush(result);  // module 24, then 23
-    soon([&] {
-        auto* entry = shown<VntDsnEntryDlg>(30022);
-        ASSERT_NE(entry, nullptr);
-        type(entry, VNT_DSN_IDC_PATH, "T:\\Daten\\Neu");
-        soon([&] {
-            auto* choice = shown<VntDsnChoiceDlg>(30024);
-            ASSERT_NE(choice, nullptr);
-            dynamic_cast<wxRadioButton*>(choice->FindWindow(VNT_DSN_IDC_INSTALL))->SetValue(true);
-            click(choice, wxID_OK);
-        });
-        click(entry, wxID_OK);
-        EXPECT_FALSE(entry->IsShown());
-    });
-    click(&dlg, VNT_DSN_IDC_EDIT);
-    EXPECT_EQ(Vnt_AppModQueuePop(), 0) << "both modules ran";
-    EXPECT_STREQ(Vnt_AppDSN(), "Schulze KG") << "connected at the new path";
-    EXPECT_STREQ(Vnt_AppDataPath(), "T:\\Daten\\Neu");
-    click(&dlg, VNT_DSN_IDC_SAVE);
-    EXPECT_EQ(get(), listText({kM, {kS[0], "DtaPth=T:\\Daten\\Neu"}, kK}));
 }
 
 TEST_F(ClientDialogs, TheSelectionOpensWhereItWasLeft) {

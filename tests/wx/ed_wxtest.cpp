@@ -9,10 +9,6 @@
 #include <wx/button.h>
 #include <wx/clipbrd.h>
 #include <wx/dataobj.h>
-#include <wx/dcclient.h>
-#include <wx/dcmemory.h>
-#include <wx/image.h>
-#include <wx/stdpaths.h>
 #include <wx/uiaction.h>
 
 #include "cal/odbc_timestamp.h"
@@ -32,76 +28,48 @@ using vnt::wxtest::picture;
 using vnt::wxtest::pump;
 using vnt::wxtest::pumpUntil;
 
-// One field of every type, labelled; control numbers 1000 + row.
-const char* kEdXrc = R"(<?xml version="1.0" encoding="UTF-8"?>
-<resource version="2.5.3.0">
-  <object class="wxDialog" name="dlg5301"><title>Eingabefelder</title>
-   <object class="wxBoxSizer"><orient>wxVERTICAL</orient>
-    <object class="sizeritem"><flag>wxEXPAND</flag>
+// One field of every type (control 1000 + type), labelled (2000 + type).
+struct Field { const char* de; const char* en; const char* props; };
+const Field kFields[] = {
+    {"Dezimalzahl", "Decimal", "<decplaces>3</decplaces><alignh>1</alignh><signed>1</signed><value>-3,142</value>"},
+    {"Betrag", "Amount", "<decplaces>2</decplaces><alignh>1</alignh><minval>0</minval><maxval>99999.99</maxval>"
+                         "<maxlength>9</maxlength><value>1234,50</value>"},
+    {"Ganzzahl 16 Bit", "Integer 16 bit", "<maxlength>4</maxlength><alignh>1</alignh><value>42</value>"},
+    {"Ganzzahl 32 Bit", "Integer 32 bit", "<minval>1</minval><maxval>100</maxval><alignh>1</alignh><value>7</value>"},
+    {"Zeichen", "Character", "<maxlength>1</maxlength><alignh>2</alignh><size>40,-1</size><value>K</value>"},
+    {"Text", "Text", "<maxlength>30</maxlength><value>M&#xFC;ller &amp; S&#xF6;hne</value>"},
+    {"Text", "Text", "<dflttext>Vorgabe</dflttext>"},
+    {"Datum", "Date", "<maxlength>10</maxlength><value>29.02.2024</value>"},
+    {"Ohne Wert", "No value", "<displayonly>1</displayonly>"},
+    {"Text, farbig", "Text, coloured",
+     "<usecolors>1</usecolors><backcolor>14745599</backcolor><forecolor>128</forecolor><readonly>1</readonly>"
+     "<value>nur lesen</value>"},
+};
+
+std::string edXrc() {
+    std::string x = R"(<?xml version="1.0" encoding="UTF-8"?>
+<resource version="2.5.3.0"><object class="wxDialog" name="dlg5301"><title>Eingabefelder</title>
+  <object class="wxBoxSizer"><orient>wxVERTICAL</orient><object class="sizeritem"><flag>wxEXPAND|wxALL</flag><border>10</border>
     <object class="wxFlexGridSizer"><cols>2</cols><vgap>6</vgap><hgap>10</hgap><growablecols>1</growablecols>
-      <object class="sizeritem"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT|wxTOP</flag><border>10</border>
-        <object class="wxStaticText" name="2000"><label>Dezimalzahl (0)</label></object></object>
-      <object class="sizeritem"><flag>wxRIGHT|wxTOP</flag><border>10</border>
-        <object class="VantoEd" name="1000"><type>0</type><decplaces>3</decplaces><alignh>1</alignh>
-          <signed>1</signed><size>160,-1</size><value>-3,142</value></object></object>
-      <object class="sizeritem"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT</flag><border>10</border>
-        <object class="wxStaticText" name="2001"><label>Betrag (1)</label></object></object>
-      <object class="sizeritem"><flag>wxRIGHT</flag><border>10</border>
-        <object class="VantoEd" name="1001"><type>1</type><decplaces>2</decplaces><alignh>1</alignh>
-          <minval>0</minval><maxval>99999.99</maxval><maxlength>9</maxlength><size>160,-1</size>
-          <value>1234,50</value></object></object>
-      <object class="sizeritem"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT</flag><border>10</border>
-        <object class="wxStaticText" name="2002"><label>Ganzzahl 16 Bit (2)</label></object></object>
-      <object class="sizeritem"><flag>wxRIGHT</flag><border>10</border>
-        <object class="VantoEd" name="1002"><type>2</type><maxlength>4</maxlength><alignh>1</alignh>
-          <size>160,-1</size><value>42</value></object></object>
-      <object class="sizeritem"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT</flag><border>10</border>
-        <object class="wxStaticText" name="2003"><label>Ganzzahl 32 Bit (3)</label></object></object>
-      <object class="sizeritem"><flag>wxRIGHT</flag><border>10</border>
-        <object class="VantoEd" name="1003"><type>3</type><minval>1</minval><maxval>100</maxval><alignh>1</alignh>
-          <size>160,-1</size><value>7</value></object></object>
-      <object class="sizeritem"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT</flag><border>10</border>
-        <object class="wxStaticText" name="2004"><label>Zeichen (4)</label></object></object>
-      <object class="sizeritem"><flag>wxRIGHT</flag><border>10</border>
-        <object class="VantoEd" name="1004"><type>4</type><maxlength>1</maxlength><alignh>2</alignh>
-          <size>40,-1</size><value>K</value></object></object>
-      <object class="sizeritem"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT</flag><border>10</border>
-        <object class="wxStaticText" name="2005"><label>Text (5)</label></object></object>
-      <object class="sizeritem"><flag>wxRIGHT|wxEXPAND</flag><border>10</border>
-        <object class="VantoEd" name="1005"><type>5</type><maxlength>30</maxlength>
-          <value>M&#xFC;ller &amp; S&#xF6;hne</value></object></object>
-      <object class="sizeritem"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT</flag><border>10</border>
-        <object class="wxStaticText" name="2006"><label>Text (6)</label></object></object>
-      <object class="sizeritem"><flag>wxRIGHT|wxEXPAND</flag><border>10</border>
-        <object class="VantoEd" name="1006"><type>6</type><dflttext>Vorgabe</dflttext></object></object>
-      <object class="sizeritem"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT</flag><border>10</border>
-        <object class="wxStaticText" name="2007"><label>Datum (7)</label></object></object>
-      <object class="sizeritem"><flag>wxRIGHT</flag><border>10</border>
-        <object class="VantoEd" name="1007"><type>7</type><maxlength>10</maxlength><size>160,-1</size>
-          <value>29.02.2024</value></object></object>
-      <object class="sizeritem"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT</flag><border>10</border>
-        <object class="wxStaticText" name="2008"><label>Ohne Wert (8)</label></object></object>
-      <object class="sizeritem"><flag>wxRIGHT</flag><border>10</border>
-        <object class="VantoEd" name="1008"><type>8</type><displayonly>1</displayonly><size>160,-1</size></object></object>
-      <object class="sizeritem"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT|wxBOTTOM</flag><border>10</border>
-        <object class="wxStaticText" name="2009"><label>Text, farbig (9)</label></object></object>
-      <object class="sizeritem"><flag>wxRIGHT|wxEXPAND|wxBOTTOM</flag><border>10</border>
-        <object class="VantoEd" name="1009"><type>9</type><usecolors>1</usecolors><backcolor>14745599</backcolor>
-          <forecolor>128</forecolor><readonly>1</readonly><value>nur lesen</value></object></object>
-    </object></object>
+)";
+    for (int t = 0; t < 10; ++t) {
+        const bool wide = t == 5 || t == 6 || t == 9;
+        x += "<object class=\"sizeritem\"><flag>wxALIGN_CENTER_VERTICAL</flag><object class=\"wxStaticText\" name=\"" +
+             std::to_string(2000 + t) + "\"><label>" + kFields[t].de + " (" + std::to_string(t) +
+             ")</label></object></object>\n<object class=\"sizeritem\">" + (wide ? "<flag>wxEXPAND</flag>" : "") +
+             "<object class=\"VantoEd\" name=\"" + std::to_string(1000 + t) + "\"><type>" + std::to_string(t) +
+             "</type>" + (wide || t == 4 ? "" : "<size>160,-1</size>") + kFields[t].props + "</object></object>\n";
+    }
+    return x + R"(</object></object>
     <object class="sizeritem"><flag>wxALIGN_RIGHT|wxALL</flag><border>10</border>
       <object class="wxBoxSizer"><orient>wxHORIZONTAL</orient>
         <object class="sizeritem"><flag>wxRIGHT</flag><border>6</border>
           <object class="wxButton" name="wxID_OK"><label>OK</label></object></object>
-        <object class="sizeritem">
-          <object class="wxButton" name="wxID_CANCEL"><label>Abbrechen</label></object></object>
+        <object class="sizeritem"><object class="wxButton" name="wxID_CANCEL"><label>Abbrechen</label></object></object>
       </object></object>
-   </object></object>
+  </object></object>
 </resource>)";
-
-// English labels for the picture in the library's other language.
-const char* kEnglish[] = {"Decimal (0)", "Amount (1)", "Integer 16 bit (2)", "Integer 32 bit (3)", "Character (4)",
-                          "Text (5)",    "Text (6)",   "Date (7)",           "No value (8)",       "Text, coloured (9)"};
+}
 
 class EdWx : public vnt::wxtest::WxTest {
 protected:
@@ -110,7 +78,8 @@ protected:
         useLocale(de_);
         oldBox_ = Vnt_UiSetPresenter(&box);
         oldWin_ = Vnt_UiSetWindow(&port);
-        ASSERT_TRUE(Vnt_WxAddResources(kEdXrc, "edit controls"));
+        static const std::string xrc = edXrc();
+        ASSERT_TRUE(Vnt_WxAddResources(xrc.c_str(), "edit controls"));
         open();
     }
     void TearDown() override {
@@ -139,12 +108,13 @@ protected:
         EXPECT_NE(e, nullptr) << "control " << 1000 + row;
         return *e;
     }
-    // Types `keys` into a control as a user would.
-    std::string type(VantoEd& e, const char* keys, bool clear = true) {
+    // Types `keys` into a control as a user would, at `pos` (-1: the end) of `start`.
+    std::string type(VantoEd& e, const char* keys, const char* start = "", long pos = -1) {
         e.SetFocus();
         pumpUntil([&] { return wxWindow::FindFocus() == &e; });
-        if (clear) e.ChangeValue("");
-        e.SetInsertionPointEnd();
+        e.ChangeValue(start);
+        if (pos < 0) e.SetInsertionPointEnd();
+        else e.SetInsertionPoint(pos);
         wxUIActionSimulator().Text(keys);
         pump(60);
         return e.GetText();
@@ -191,40 +161,28 @@ TEST_F(EdWx, XrcGivesTheProperties) {
 }
 
 TEST_F(EdWx, TypingIsFilteredByType) {
-    const struct { const char* name; int row; bool sign; const char* keys; const char* text; } rows[] = {
-        {"letters into an amount change nothing", 1, false, "abcXYZ", ""},
-        {"amount: digits and one decimal character", 1, false, "12a,5x.7", "12,57"},
-        {"amount: a point gives the comma", 1, false, "3.25", "3,25"},
-        {"amount unsigned: no sign", 1, false, "-5", "5"},
-        {"decimal signed: one sign at the front", 0, true, "-5-1", "-51"},
-        {"short: digits only", 2, false, "1x2,3", "123"},
-        {"short: MaxLength 4 holds", 2, false, "123456", "1234"},
-        {"long unsigned: no sign", 3, false, "-42", "42"},
-        {"long signed", 3, true, "-42", "-42"},
-        {"date: digits and separators", 7, false, "1a.2b.2024", "1.2.2024"},
-        {"date: MaxLength 10", 7, false, "01.02.20245", "01.02.2024"},
-        {"text takes everything", 5, false, "a-1,b", "a-1,b"},
-        {"character: one", 4, false, "xy", "x"},
+    const struct { const char* name; int row; bool sign; const char* start; long pos; const char* keys, *text; } rows[] = {
+        {"letters into an amount change nothing", 1, false, "", -1, "abcXYZ", ""},
+        {"amount: digits and one decimal character", 1, false, "", -1, "12a,5x.7", "12,57"},
+        {"amount: a point gives the comma", 1, false, "", -1, "3.25", "3,25"},
+        {"amount unsigned: no sign", 1, false, "", -1, "-5", "5"},
+        {"decimal signed: one sign at the front", 0, true, "", -1, "-5-1", "-51"},
+        {"a sign cannot go behind digits", 0, true, "12", 1, "-", "12"},
+        {"nor digits in front of a sign", 0, true, "-1", 0, "7", "-1"},
+        {"short: digits only", 2, false, "", -1, "1x2,3", "123"},
+        {"short: MaxLength 4 holds", 2, false, "", -1, "123456", "1234"},
+        {"long unsigned: no sign", 3, false, "", -1, "-42", "42"},
+        {"long signed", 3, true, "", -1, "-42", "-42"},
+        {"date: digits and separators", 7, false, "", -1, "1a.2b.2024", "1.2.2024"},
+        {"date: MaxLength 10", 7, false, "", -1, "01.02.20245", "01.02.2024"},
+        {"text takes everything", 5, false, "", -1, "a-1,b", "a-1,b"},
+        {"character: one", 4, false, "", -1, "xy", "x"},
     };
     for (const auto& r : rows) {
         SCOPED_TRACE(r.name);
-        VantoEd& e = ed(r.row);
-        e.SetSigned(r.sign);
-        EXPECT_EQ(type(e, r.keys), r.text);
+        ed(r.row).SetSigned(r.sign);
+        EXPECT_EQ(type(ed(r.row), r.keys, r.start, r.pos), r.text);
     }
-    // A sign cannot go behind digits, nor digits in front of a sign.
-    VantoEd& dec = ed(0);
-    dec.SetSigned(true);
-    EXPECT_EQ(type(dec, "12"), "12");
-    dec.SetInsertionPoint(1);
-    wxUIActionSimulator().Char('-');
-    pump(30);
-    EXPECT_EQ(dec.GetText(), "12");
-    dec.ChangeValue("-1");
-    dec.SetInsertionPoint(0);
-    wxUIActionSimulator().Char('7');
-    pump(30);
-    EXPECT_EQ(dec.GetText(), "-1");
 }
 
 TEST_F(EdWx, PasteKeepsWhatTypingWouldTake) {
@@ -406,7 +364,7 @@ TEST_F(EdWx, PicturesInBothLanguages) {
     open();
     dlg_->SetTitle("Edit fields");
     for (int i = 0; i < 10; ++i)
-        if (auto* l = dlg_->FindWindow(2000 + i)) l->SetLabel(kEnglish[i]);
+        if (auto* l = dlg_->FindWindow(2000 + i)) l->SetLabel(std::string(kFields[i].en) + " (" + std::to_string(i) + ")");
     ed(0).SetVal(-3.142);
     ed(1).SetVal(1234.5);
     ed(5).SetText("Miller & Sons");
