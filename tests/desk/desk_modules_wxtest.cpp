@@ -2,28 +2,23 @@
 // as a table (no display), and the four modules loaded by number through
 // the real loader on a small installation (this program's directory) with
 // SQLite clients made by module 24.
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <map>
-#include <string>
 #include <vector>
 
 #include <wx/dialog.h>
 #include <wx/listctrl.h>
-#include <wx/stattext.h>
 #include <wx/timer.h>
 
 #include "stat_totals.h"
 #include "vanto/app.h"
 #include "vanto/db.h"
 #include "vanto/dsn.h"
-#include "vanto/lfn.h"
 #include "vanto/locale.h"
 #include "vanto/module.h"
 #include "vanto/ui/msgbox.h"

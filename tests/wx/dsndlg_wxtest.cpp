@@ -13,7 +13,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <map>
 
 #include <wx/button.h>

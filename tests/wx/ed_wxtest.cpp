@@ -6,7 +6,6 @@
 
 #include <filesystem>
 
-#include <wx/button.h>
 #include <wx/clipbrd.h>
 #include <wx/dataobj.h>
 #include <wx/uiaction.h>
@@ -371,7 +370,7 @@ TEST_F(EdWx, PicturesInBothLanguages) {
     ed(9).SetText("read only");
     ed(6).SetDfltText("Default");
     ed(6).SetDefault();
-    if (auto* b = dynamic_cast<wxButton*>(dlg_->FindWindow(wxID_CANCEL))) b->SetLabel("Cancel");
+    dlg_->FindWindow(wxID_CANCEL)->SetLabel("Cancel");
     VntDate d(2024, 2, 29);
     ed(7).SetVal(d);
     dlg_->Fit();

@@ -4,22 +4,17 @@
 // menu with its shortcut texts, F9 and the modifier+F10.
 #include "wx_support.h"
 
-#include <filesystem>
 
-#include <wx/button.h>
 #include <wx/dcmemory.h>
 #include <wx/dcscreen.h>
 #include <wx/frame.h>
 #include <wx/menu.h>
-#include <wx/stdpaths.h>
 #include <wx/textctrl.h>
 #include <wx/uiaction.h>
 
 #include "menu_state.h"
 #include "vanto/locale.h"
 #include "vanto/wx/menu.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 

@@ -6,15 +6,11 @@
 #include "wx_support.h"
 
 #include <filesystem>
-#include <fstream>
 
 #include <wx/combobox.h>
-#include <wx/dcclient.h>
-#include <wx/dcmemory.h>
 #include <wx/frame.h>
 #include <wx/notebook.h>
 #include <wx/sizer.h>
-#include <wx/stdpaths.h>
 #include <wx/textctrl.h>
 #include <wx/uiaction.h>
 
