@@ -33,8 +33,24 @@ using vnt::wxtest::picture;
 using vnt::wxtest::pump;
 using vnt::wxtest::pumpUntil;
 
-// The form (notebook 1000) and twelve pages: 5201 in both languages with
-// fields of every kind, 5202..5212 plain pages with one edit each.
+// A dialog `name` whose controls sit in two columns with a border around.
+std::string grid(const std::string& name, const std::string& title, const std::string& items) {
+    return "<object class=\"wxDialog\" name=\"" + name + "\"><title>" + title +
+           "</title><object class=\"wxBoxSizer\"><orient>wxVERTICAL</orient><object class=\"sizeritem\"><flag>wxEXPAND|"
+           "wxALL</flag><border>10</border><object class=\"wxFlexGridSizer\"><cols>2</cols><growablecols>1</growablecols>"
+           "<vgap>6</vgap><hgap>10</hgap>\n" + items + "</object></object></object></object>\n";
+}
+// A grid row: its label (none: an empty cell) and its control.
+std::string row(const char* label, const std::string& control, const char* flag = "wxEXPAND") {
+    return (*label ? std::string("<object class=\"sizeritem\"><flag>wxALIGN_CENTER_VERTICAL</flag><object class="
+                                 "\"wxStaticText\"><label>") + label + "</label></object></object>"
+                   : std::string("<object class=\"spacer\"><size>0,0</size></object>")) +
+           "<object class=\"sizeritem\"><flag>" + flag + "</flag>" + control + "</object>\n";
+}
+
+// The form (notebook 1000) and the pages in both languages: 5201 with fields
+// of every kind, 5202..5212 plain pages with an edit and a button, 5213
+// typed fields for the record view.
 std::string pagesXrc() {
     std::string x = R"(<?xml version="1.0" encoding="UTF-8"?>
 <resource version="2.5.3.0">
@@ -43,57 +59,34 @@ std::string pagesXrc() {
       <object class="sizeritem"><option>1</option><flag>wxEXPAND|wxALL</flag><border>8</border>
         <object class="wxNotebook" name="1000"/></object></object></object>
 )";
-    auto page5201 = [](const char* suffix, const char* title, const char* name, const char* town, const char* kind,
-                       const char* active, const char* kinds) {
-        return std::string("  <object class=\"wxDialog\" name=\"dlg5201") + suffix + "\"><title>" + title +
-               R"(</title>
-    <object class="wxFlexGridSizer"><cols>2</cols><growablecols>1</growablecols><vgap>6</vgap><hgap>10</hgap>
-      <object class="sizeritem"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT|wxTOP</flag><border>10</border><object class="wxStaticText"><label>)" +
-               name + R"(</label></object></object>
-      <object class="sizeritem"><flag>wxEXPAND|wxRIGHT|wxTOP</flag><border>10</border><object class="wxTextCtrl" name="101"/></object>
-      <object class="sizeritem"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT</flag><border>10</border><object class="wxStaticText"><label>)" +
-               town + R"(</label></object></object>
-      <object class="sizeritem"><flag>wxEXPAND|wxRIGHT</flag><border>10</border><object class="wxTextCtrl" name="102"/></object>
-      <object class="sizeritem"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT</flag><border>10</border><object class="wxStaticText"><label>)" +
-               kind + R"(</label></object></object>
-      <object class="sizeritem"><flag>wxEXPAND|wxRIGHT</flag><border>10</border><object class="wxComboBox" name="104"><style>wxCB_READONLY</style>
-        <content>)" + std::string(kinds) + R"(</content><selection>0</selection></object></object>
-      <object class="spacer"><size>0,0</size></object>
-      <object class="sizeritem"><flag>wxRIGHT</flag><border>10</border><object class="wxCheckBox" name="103"><label>)" +
-               active + R"(</label></object></object>
-    </object></object>
-)";
-    };
-    x += page5201("", "Allgemein", "&amp;Name:", "&amp;Ort:", "&amp;Art:", "A&amp;ktiv",
-                  "<item>Firma</item><item>Privat</item><item>Beh\xC3\xB6rde</item>");
-    x += page5201("_ENU", "General", "&amp;Name:", "&amp;Town:", "&amp;Kind:", "A&amp;ctive",
-                  "<item>Company</item><item>Private</item><item>Authority</item>");
-    for (int n = 5202; n <= 5212; ++n)
-      for (const char* lang : {"", "_ENU"})
-        x += "  <object class=\"wxDialog\" name=\"dlg" + std::to_string(n) + lang + "\"><title>" +
-             (*lang ? "Page " : "Seite ") + std::to_string(n - 5200) +
-             "</title><object class=\"wxBoxSizer\"><orient>wxVERTICAL</orient><object class=\"sizeritem\">"
-             "<flag>wxALL|wxEXPAND</flag><border>10</border><object class=\"wxTextCtrl\" name=\"201\"/></object>"
-             "<object class=\"sizeritem\"><flag>wxALL</flag><border>10</border><object class=\"wxButton\" "
-             "name=\"202\"><label>Los</label></object></object></object></object>\n";
-    // 5213: typed fields (amount, date, number) for the record view.
-    for (const char* lang : {"", "_ENU"}) {
-        const bool en = *lang != 0;
-        auto row = [](const char* label, const char* id, const char* params) {
-            return std::string("<object class=\"sizeritem\"><flag>wxALIGN_CENTER_VERTICAL|wxLEFT</flag><border>10</border>"
-                               "<object class=\"wxStaticText\"><label>") + label +
-                   "</label></object></object><object class=\"sizeritem\"><flag>wxRIGHT</flag><border>10</border>"
-                   "<object class=\"VantoEd\" name=\"" + id + "\"><size>160,-1</size>" + params + "</object></object>";
+    for (const bool en : {false, true}) {
+        const std::string lang = en ? "_ENU" : "";
+        const std::string kinds = en ? "<item>Company</item><item>Private</item><item>Authority</item>"
+                                     : "<item>Firma</item><item>Privat</item><item>Beh\xC3\xB6rde</item>";
+        x += grid("dlg5201" + lang, en ? "General" : "Allgemein",
+                  row("&amp;Name:", "<object class=\"wxTextCtrl\" name=\"101\"/>") +
+                      row(en ? "&amp;Town:" : "&amp;Ort:", "<object class=\"wxTextCtrl\" name=\"102\"/>") +
+                      row(en ? "&amp;Kind:" : "&amp;Art:", "<object class=\"wxComboBox\" name=\"104\"><style>wxCB_READONLY"
+                                                           "</style><content>" + kinds + "</content><selection>0"
+                                                           "</selection></object>") +
+                      row("", std::string("<object class=\"wxCheckBox\" name=\"103\"><label>") +
+                                  (en ? "A&amp;ctive" : "A&amp;ktiv") + "</label></object>", ""));
+        for (int n = 5202; n <= 5212; ++n)
+            x += "<object class=\"wxDialog\" name=\"dlg" + std::to_string(n) + lang + "\"><title>" +
+                 (en ? "Page " : "Seite ") + std::to_string(n - 5200) +
+                 "</title><object class=\"wxBoxSizer\"><orient>wxVERTICAL</orient><object class=\"sizeritem\">"
+                 "<flag>wxALL|wxEXPAND</flag><border>10</border><object class=\"wxTextCtrl\" name=\"201\"/></object>"
+                 "<object class=\"sizeritem\"><flag>wxALL</flag><border>10</border><object class=\"wxButton\" "
+                 "name=\"202\"><label>Los</label></object></object></object></object>\n";
+        auto ed = [](const char* id, const char* params) {
+            return std::string("<object class=\"VantoEd\" name=\"") + id + "\"><size>160,-1</size>" + params + "</object>";
         };
-        x += std::string("  <object class=\"wxDialog\" name=\"dlg5213") + lang + "\"><title>" +
-             (en ? "Figures" : "Zahlen") +
-             "</title><object class=\"wxFlexGridSizer\"><cols>2</cols><vgap>6</vgap><hgap>10</hgap>"
-             "<object class=\"spacer\"><size>0,4</size></object><object class=\"spacer\"><size>0,4</size></object>" +
-             row(en ? "&amp;Turnover:" : "&amp;Umsatz:", "301",
-                 "<type>1</type><decplaces>2</decplaces><alignh>1</alignh><minval>0</minval><maxval>9999999.99</maxval>") +
-             row(en ? "Customer &amp;since:" : "Kunde &amp;seit:", "302", "<type>7</type>") +
-             row(en ? "N&amp;umber:" : "N&amp;ummer:", "303", "<type>3</type><alignh>1</alignh>") +
-             "</object></object>\n";
+        x += grid("dlg5213" + lang, en ? "Figures" : "Zahlen",
+                  row(en ? "&amp;Turnover:" : "&amp;Umsatz:",
+                      ed("301", "<type>1</type><decplaces>2</decplaces><alignh>1</alignh><minval>0</minval>"
+                                "<maxval>9999999.99</maxval>"), "") +
+                      row(en ? "Customer &amp;since:" : "Kunde &amp;seit:", ed("302", "<type>7</type>"), "") +
+                      row(en ? "N&amp;umber:" : "N&amp;ummer:", ed("303", "<type>3</type><alignh>1</alignh>"), ""));
     }
     return x + "</resource>\n";
 }
