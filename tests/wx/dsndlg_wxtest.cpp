@@ -383,14 +383,19 @@ TEST_F(ClientDialogs, ListLockedWhileASecondRegistryIsAlive) {
     }
 }
 
-TEST_F(ClientDialogs, SupplementStartsTheInstallationAndHelpOpensItsTopic) {
+// Opens where it was left and keeps its new place; Supplement starts the
+// installation for the chosen client's missing path; Help opens its topic.
+TEST_F(ClientDialogs, PlaceSupplementAndHelp) {
     fs::remove(dir_ / "Daten/M2/vanto.db");
+    std::ofstream(dir_ / "USR/Std/User.ini", std::ios::binary) << "[DSN]\r\nDefault=Schulze KG\r\nX=123\r\nY=77\r\n";
+    vnt::ini::profileReset();
     DsnIni reg(this);
     ASSERT_TRUE(reg.LoadSettings());
     VntDsnSelection model(reg, request());
     VntDsnSelectDlg dlg(model, nullptr);
     dlg.Show();
-    pump(20);
+    pump(50);
+    EXPECT_EQ(dlg.GetPosition(), wxPoint(123, 77));
     choose(&dlg, 1);
     EXPECT_TRUE(ticked(&dlg, VNT_DSN_IDC_DEFAULT)) << "the default client";
     box.answers = {{VNT_BTN_YES}, {VNT_BTN_YES}};
@@ -401,11 +406,15 @@ TEST_F(ClientDialogs, SupplementStartsTheInstallationAndHelpOpensItsTopic) {
     EXPECT_NE(box.shown[1].text.find("T:\\Daten\\M2"), std::string::npos) << box.shown[1].text;
     EXPECT_EQ(Vnt_AppModResult(), 7) << "module 24 ran";
     EXPECT_EQ(get(), listText({kM, kS, kK}));
-
     click(&dlg, VNT_DSN_IDC_HELP);
     ASSERT_EQ(help.requests.size(), 1u);
     EXPECT_EQ(help.requests[0].command, VntHelpCommand::Context);
     EXPECT_EQ(help.requests[0].context, 30021);
+    dlg.Move(140, 90);
+    pump(50);
+    click(&dlg, wxID_CANCEL);
+    EXPECT_FALSE(dlg.IsShown());
+    EXPECT_EQ(get("USR/Std/User.ini"), "[DSN]\r\nDefault=Schulze KG\r\nX=140\r\nY=90\r\n");
 }
 
 // ---------------------------------------------------------------------------
@@ -504,23 +513,6 @@ TEST_F(ClientDialogs, PicturesOfEveryDialogInBothLanguages) {
         for (auto& d : dlgs) d.release()->Destroy();
         pump(20);
     }
-}
-
-TEST_F(ClientDialogs, TheSelectionOpensWhereItWasLeft) {
-    std::ofstream(dir_ / "USR/Std/User.ini", std::ios::binary) << "[DSN]\r\nX=123\r\nY=77\r\n";
-    vnt::ini::profileReset();
-    DsnIni reg(this);
-    ASSERT_TRUE(reg.LoadSettings());
-    VntDsnSelection model(reg, request());
-    VntDsnSelectDlg dlg(model, nullptr);
-    dlg.Show();
-    pump(50);
-    EXPECT_EQ(dlg.GetPosition(), wxPoint(123, 77));
-    dlg.Move(140, 90);
-    pump(50);
-    click(&dlg, wxID_CANCEL);
-    EXPECT_FALSE(dlg.IsShown());
-    EXPECT_EQ(get("USR/Std/User.ini"), "[DSN]\r\nX=140\r\nY=90\r\n");
 }
 
 TEST_F(ClientDialogs, FieldLabelsAccessKeysReachTheirFields) {
