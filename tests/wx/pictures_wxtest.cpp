@@ -6,12 +6,8 @@
 #include "wx_support.h"
 
 #include <cstdio>
-#include <filesystem>
 #include <set>
 
-#include <wx/dcmemory.h>
-#include <wx/dcclient.h>
-#include <wx/stdpaths.h>
 #include <wx/modalhook.h>
 #include <wx/sizer.h>
 
@@ -22,7 +18,6 @@
 #include "vanto/wx/dlg.h"
 #include "wx_state.h"
 
-namespace fs = std::filesystem;
 using vnt::wxtest::pump;
 
 namespace {
