@@ -87,9 +87,7 @@ TEST_F(AppLifecycle, WithoutModuleTableOnlyTheMessageLibraryOpens) {
     ASSERT_TRUE(Vnt_AppMainInit("--ignored"));
     EXPECT_EQ(std::tuple(Vnt_AppProgDir(), Vnt_AppProgName(), Vnt_AppProgBaseName(), Vnt_AppStartDir()),
               std::tuple(lib(dir_), std::string("Fibu.exe"), std::string("Fibu"), lib(dir_)));
-    EXPECT_STREQ(Vnt_AppMsgLoad(1), "Hallo");
-    EXPECT_EQ(g_edInits, 0);
-    EXPECT_FALSE(interfaceStarted());
+    EXPECT_TRUE(std::string(Vnt_AppMsgLoad(1)) == "Hallo" && g_edInits == 0 && !interfaceStarted());
     // Without "APPVER" the version record is empty, its texts too.
     const VNT_APP_VER* v = Vnt_AppVerInfo();
     EXPECT_TRUE(v->nMajor == 0 && v->nMinor == 0 && v->nVersion == 0 && !v->szEntry7[0] && !v->szEntry9[0]);
@@ -97,35 +95,26 @@ TEST_F(AppLifecycle, WithoutModuleTableOnlyTheMessageLibraryOpens) {
     EXPECT_TRUE(!*v->pszText1 && !*v->pszText2);
     // The end does nothing at all: even the message library stays open.
     Vnt_AppMainTerm();
-    EXPECT_EQ(g_edTerms, 0);
-    EXPECT_NE(Vnt_AppMsgGetHandle(), nullptr);
+    EXPECT_TRUE(g_edTerms == 0 && Vnt_AppMsgGetHandle());
     // Only the module table marks a started library: a second init runs
     // again and takes the start directory anew, still without services.
     ASSERT_TRUE(vnt::host::setCurDir(lib(dir_ / "sub")));
-    EXPECT_TRUE(Vnt_AppMainInit());
-    EXPECT_EQ(Vnt_AppStartDir(), lib(dir_ / "sub"));
-    EXPECT_STREQ(Vnt_AppMsgLoad(1), "Hallo");
-    EXPECT_EQ(g_edInits, 0);
-    EXPECT_FALSE(interfaceStarted());
-    EXPECT_TRUE(box.shown.empty());
+    EXPECT_TRUE(Vnt_AppMainInit() && Vnt_AppStartDir() == lib(dir_ / "sub"));
+    EXPECT_TRUE(std::string(Vnt_AppMsgLoad(1)) == "Hallo" && g_edInits == 0 && !interfaceStarted() && box.shown.empty());
 }
 
 TEST_F(AppLifecycle, WithModuleTableTheServicesStartOnce) {
     appLibrary(kAppMsg);
     vnt::test::writeIniLibrary(dir_, "Modules.vtm", {kTable});
     ASSERT_TRUE(Vnt_AppMainInit());
-    EXPECT_TRUE(vnt::app::moduleTableLoaded());
-    EXPECT_TRUE(g_edInits == 1 && interfaceStarted());
+    EXPECT_TRUE(vnt::app::moduleTableLoaded() && g_edInits == 1 && interfaceStarted());
     // A second init changes nothing, the start directory included.
     ASSERT_TRUE(vnt::host::setCurDir(lib(dir_ / "sub")));
     vnt::host::setProgramFile(lib(dir_ / "Other.exe"));
     EXPECT_TRUE(Vnt_AppMainInit());
     EXPECT_EQ(std::tuple(Vnt_AppStartDir(), Vnt_AppProgName(), g_edInits), std::tuple(lib(dir_), "Fibu.exe"s, 1));
     Vnt_AppMainTerm();
-    EXPECT_EQ(g_edTerms, 1);
-    EXPECT_FALSE(interfaceStarted());
-    EXPECT_EQ(Vnt_AppMsgGetHandle(), nullptr);
-    EXPECT_FALSE(vnt::app::moduleTableLoaded());
+    EXPECT_TRUE(g_edTerms == 1 && !interfaceStarted() && !Vnt_AppMsgGetHandle() && !vnt::app::moduleTableLoaded());
     EXPECT_TRUE(box.shown.empty());
 }
 
@@ -142,8 +131,7 @@ TEST_F(AppLifecycle, InitFailures) {
         g_edAnswer = r.edAnswer;
         ASSERT_TRUE(!r.interfaceFirst || Vnt_MsgItfInit(nullptr, 0));
         EXPECT_FALSE(Vnt_AppMainInit()) << r.name;
-        EXPECT_EQ(g_edInits, r.edInits) << r.name;
-        EXPECT_EQ(box.shown.size(), r.boxes) << r.name;
+        EXPECT_EQ(std::tuple(g_edInits, box.shown.size()), std::tuple(r.edInits, r.boxes)) << r.name;
     }
 }
 
@@ -157,8 +145,7 @@ TEST_F(AppLifecycle, VersionRecordFromTheApplicationLibrary) {
               std::vector<int>({6, 7, 607, 17, -3}));
     EXPECT_EQ(std::tuple(v->pszText1, v->pszText2, v->szEntry7, v->szEntry8, v->szEntry9),
               std::tuple(text1.substr(0, 127), "Finanzbuchhaltung"s, "ENU"s, "B"s, "12345"s));
-    EXPECT_EQ(Vnt_AppVerInfo(), v);
-    EXPECT_TRUE(box.shown.empty());
+    EXPECT_TRUE(Vnt_AppVerInfo() == v && box.shown.empty());
 }
 
 void closeConnection() { std::fputs("connection closed\n", stderr); }
@@ -192,7 +179,8 @@ TEST_F(AppLifecycleDeathTest, ExitClosesTheConnectionAndTheMainWindow) {
             Vnt_VtmSetReport([](const char*) -> VNT_RESP { return VNT_RESP_CANCEL; });
             Vnt_VtmRead(nullptr, 5);
         },
-        ::testing::ExitedWithCode(3), "connection closed");
+        ::testing::ExitedWithCode(3), "exit code 3: a report was not confirmed: VTMINTRF: Internal Error. Cannot get "
+                                      "message 5 when no message library is open!\n(.*\n)?connection closed");
 }
 
 // The utilities, through an installed window port.
@@ -257,9 +245,7 @@ TEST(AppLongBeginsWith, RangesOfAPrefix) {
 
 TEST(AppPaths, LongValuesAreCut) {
     vnt::test::resetAll();
-    const std::string dsn(300, 'd');
-    EXPECT_TRUE(Vnt_AppSetDSN(dsn.c_str()));
-    EXPECT_EQ(std::string(Vnt_AppDSN()), dsn.substr(0, 259));
+    EXPECT_TRUE(Vnt_AppSetDSN(std::string(300, 'd').c_str()) && std::string(Vnt_AppDSN()) == std::string(259, 'd'));
     vnt::test::resetAll();
     EXPECT_STREQ(Vnt_AppDSN(), "");
 }

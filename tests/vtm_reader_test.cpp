@@ -8,6 +8,7 @@
 #include <fstream>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "host/fault.h"
@@ -140,13 +141,9 @@ TEST_F(VtmTest, OpenStatusesAndPreloadRepairs) {
         EXPECT_EQ(Vnt_VtmStatus(), r.status);
         EXPECT_EQ(vnt::vtm::liveCount(), r.opens ? 1u : 0u);
         expectReport(r.report, path);
-        if (r.entry >= 0 && lib) {
-            EXPECT_EQ(entry(lib, r.entry).length, r.length);
-            EXPECT_EQ(entry(lib, r.entry).position, r.position);
-        }
+        if (r.entry >= 0 && lib) { EXPECT_EQ(std::tuple(entry(lib, r.entry).length, entry(lib, r.entry).position), std::tuple(r.length, r.position)); }
     }
-    EXPECT_EQ(Vnt_VtmOpen(nullptr), nullptr);
-    EXPECT_EQ(Vnt_VtmStatus(), 1);
+    EXPECT_TRUE(Vnt_VtmOpen(nullptr) == nullptr && Vnt_VtmStatus() == 1);
 }
 
 TEST_F(VtmTest, ReadStatuses) {
@@ -214,10 +211,8 @@ TEST_F(VtmTest, InjectedFailures) {
         fresh();
         VNT_MSG lib = r.ref ? Vnt_VtmOpen(path.c_str()) : nullptr;
         vnt::host::faultAt(r.op, r.nth);
-        if (r.ref) { EXPECT_STREQ(Vnt_VtmRead(lib, r.ref), r.status == 103 ? kBadOffset : ""); }
-        else { EXPECT_EQ(Vnt_VtmOpen(path.c_str()), nullptr); }
-        EXPECT_EQ(Vnt_VtmStatus(), r.status);
-        EXPECT_EQ(vnt::vtm::liveCount(), r.ref ? 1u : 0u);
+        EXPECT_EQ(r.ref ? std::string(Vnt_VtmRead(lib, r.ref)) : Vnt_VtmOpen(path.c_str()) ? "opened" : "", r.ref && r.status == 103 ? kBadOffset : "");
+        EXPECT_EQ(std::tuple(Vnt_VtmStatus(), vnt::vtm::liveCount()), std::tuple(r.status, r.ref ? 1u : 0u));
         expectReport(r.report, path);
     }
 }
@@ -229,18 +224,16 @@ TEST_F(VtmTest, FileClosedOnlyWhenEverythingIsPreloaded) {
         fresh(r.sw);
         VNT_MSG lib = open("p.vtm", sample(r.preload));
         EXPECT_EQ(info(lib).fileOpen, r.fileOpen);
-        const char* one = Vnt_VtmRead(lib, 1);
-        EXPECT_STREQ(Vnt_VtmRead(lib, 9), "Nine");
         // A preloaded text stays in place; texts from the file share one buffer.
-        EXPECT_STREQ(one, r.preload == 0 ? "Nine" : "One");
+        const char* one = Vnt_VtmRead(lib, 1);
+        EXPECT_EQ(Vnt_VtmRead(lib, 9) + std::string("|") + one, r.preload == 0 ? "Nine|Nine" : "Nine|One");
     }
 }
 
 TEST_F(VtmTest, IterationSkipsCommentsAndKeepsACursor) {
     VNT_MSG lib = open("it.vtm", sample(2, "IT", {{1, ";comment"}, {2, "a"}, {3, ";x"}, {4, ";y"}, {5, "b"}, {6, ";tail"}}));
     EXPECT_EQ(iterate(lib), (std::vector<std::string>{"a", "b"}));
-    EXPECT_STREQ(Vnt_VtmRead(lib, -1), "");  // past the end stays at the end
-    EXPECT_EQ(Vnt_VtmStatus(), 0);
+    EXPECT_TRUE(*Vnt_VtmRead(lib, -1) == '\0' && Vnt_VtmStatus() == 0);  // past the end stays at the end
     EXPECT_STREQ(Vnt_VtmRead(lib, 1), ";comment");  // by ID, comments are texts
     Bytes b = sample(2);
     put32(b, 164, 77), putStr(b, 104, "X-annex", 7);  // the cursor is cleared when loaded, the annex kept
@@ -269,8 +262,7 @@ TEST_F(VtmTest, FirstEntryOfAnIdWinsAtEverySize) {
         VNT_MSG lib = open("big.vtm", sample(0, "BIG", msgs));
         for (long id : {1L, 2L, distinct / 2, distinct}) EXPECT_STREQ(Vnt_VtmRead(lib, id), ("t" + std::to_string(id - 1)).c_str());
         EXPECT_STREQ(Vnt_VtmEntryText(lib, distinct), ("t" + std::to_string(distinct)).c_str());
-        EXPECT_STREQ(Vnt_VtmRead(lib, distinct + 1), "");
-        EXPECT_EQ(Vnt_VtmStatus(), 101);
+        EXPECT_TRUE(*Vnt_VtmRead(lib, distinct + 1) == '\0' && Vnt_VtmStatus() == 101);
         Vnt_VtmResolve(lib, distinct, false);
         EXPECT_EQ(info(lib).cursor, distinct - 1);
         if (count == 10) { EXPECT_EQ(iterate(lib)[distinct], "t0"); }
@@ -280,8 +272,7 @@ TEST_F(VtmTest, FirstEntryOfAnIdWinsAtEverySize) {
 TEST_F(VtmTest, LiteralTextsAndNoLibrary) {
     VNT_MSG lib = open("l.vtm", sample());
     const char* text = "Ready text %s";
-    EXPECT_EQ(Vnt_VtmRead(lib, text), text);
-    EXPECT_EQ(Vnt_VtmRead(nullptr, text), text);
+    EXPECT_TRUE(Vnt_VtmRead(lib, text) == text && Vnt_VtmRead(nullptr, text) == text);
     EXPECT_STREQ(Vnt_VtmRead(lib, 70000), "");  // a number out of range is no ID
     expectReport(nullptr);
     // Kept: the signed test sends 0 and -1 to the generic text too.
@@ -290,8 +281,11 @@ TEST_F(VtmTest, LiteralTextsAndNoLibrary) {
         EXPECT_EQ(Vnt_VtmResolve(nullptr, ref, true), VntMsgRef(ref));
         expectReport(ref < 32768 ? ("Cannot get message " + std::to_string(ref) + " when no message library is open!").c_str() : nullptr);
     }
-    EXPECT_EQ(Vnt_VtmOpenSeg(nullptr, "X"), nullptr);  // null parent: the system library
-    EXPECT_EQ(Vnt_VtmStatus(), 100);
+    EXPECT_TRUE(Vnt_VtmOpenSeg(nullptr, "X") == nullptr && Vnt_VtmStatus() == 100);  // null parent: the system library
+    // The report hook: the previous one comes back; the default answers OK (a
+    // report not confirmed ends the process: see the application's exit).
+    EXPECT_EQ(Vnt_VtmSetReport(nullptr), capture);
+    EXPECT_EQ(Vnt_VtmSetReport(capture)("probe"), VNT_RESP_OK);
 }
 
 TEST_F(VtmTest, SharingByName) {
@@ -304,20 +298,15 @@ TEST_F(VtmTest, SharingByName) {
         const std::string path = put(r.file, sample(-1, r.header));
         VNT_MSG a = Vnt_VtmOpen(path.c_str()), b = Vnt_VtmOpen(path.c_str());
         EXPECT_EQ(info(a).refCount, r.shared ? 2 : 1);
-        Vnt_VtmClose(a);
-        EXPECT_EQ(vnt::vtm::liveCount(), 1u);
-        Vnt_VtmClose(b);
-        EXPECT_EQ(vnt::vtm::liveCount(), 0u);
+        for (std::size_t left : {1u, 0u}) { Vnt_VtmClose(left ? a : b); EXPECT_EQ(vnt::vtm::liveCount(), left); }
     }
     // The last row left quiet on: 2 only asks, 0 switches it off.
-    EXPECT_EQ(Vnt_VtmSwQuiet(2), 1);
-    EXPECT_EQ(Vnt_VtmSwQuiet(0), 1);
+    EXPECT_EQ((std::vector<long>{Vnt_VtmSwQuiet(2), Vnt_VtmSwQuiet(0)}), (std::vector<long>{1, 1}));
     const std::string path = put("testlib.vtm", sample());
     VNT_MSG a = Vnt_VtmOpen(path.c_str());
     EXPECT_EQ(Vnt_VtmNoShare(1), 1);
     EXPECT_NE(Vnt_VtmOpen(path.c_str()), a);
-    EXPECT_EQ(Vnt_VtmNoShare(-1), 0);
-    EXPECT_EQ(Vnt_VtmNoShare(-1), 0);  // never below zero
+    EXPECT_EQ(std::tuple(Vnt_VtmNoShare(-1), Vnt_VtmNoShare(-1)), std::tuple(0, 0));  // never below zero
     EXPECT_EQ(Vnt_VtmOpen(path.c_str()), a);  // the first in the list is shared
 }
 
@@ -326,31 +315,27 @@ TEST_F(VtmTest, SystemLibrary) {
     VNT_MSG lib = open("app.vtm", sample(-1, "APP", {{1, "One"}, {40000, "App forty"}}));
     VNT_MSG s1 = open("VNT60LIB.VTM", sample(-1, "VNT60LIB", sysMsgs, 1));
     EXPECT_EQ(Vnt_VtmSystem(), s1);
-    EXPECT_STREQ(Vnt_VtmRead(lib, 40000), "System forty");
-    EXPECT_STREQ(Vnt_VtmRead(nullptr, 32768), "System first");
-    EXPECT_STREQ(Vnt_VtmName(nullptr), "VNT60LIB");
+    EXPECT_EQ((std::vector<std::string>{Vnt_VtmRead(lib, 40000), Vnt_VtmRead(nullptr, 32768), Vnt_VtmName(nullptr)}),
+              (std::vector<std::string>{"System forty", "System first", "VNT60LIB"}));
     EXPECT_FALSE(info(open("sys2.vtm", sample(-1, "VNT60LIB", sysMsgs, 1))).isSystem);  // only the first
     Vnt_VtmSwRaw(1);  // system IDs stay in the given library
     EXPECT_STREQ(Vnt_VtmRead(lib, 40000), "App forty");
     Vnt_VtmSwRaw(0);
     Vnt_VtmClose(s1);  // unregisters it
-    EXPECT_STREQ(Vnt_VtmRead(lib, 40000), "");
-    EXPECT_EQ(Vnt_VtmStatus(), 100);
+    EXPECT_TRUE(*Vnt_VtmRead(lib, 40000) == '\0' && Vnt_VtmStatus() == 100);
 }
 
 TEST_F(VtmTest, SegmentsShareTheirContainer) {
     VNT_MSG box = open("box.vtm", sampleBox());
     EXPECT_TRUE(info(box).fileOpen);  // a container keeps its file
-    EXPECT_STREQ(Vnt_VtmRead(box, 1), "");  // and holds no messages itself
-    EXPECT_EQ(Vnt_VtmStatus(), 11);
+    EXPECT_TRUE(*Vnt_VtmRead(box, 1) == '\0' && Vnt_VtmStatus() == 11);  // and holds no messages itself
     VNT_MSG app = Vnt_VtmOpenSeg(box, "Z:\\x\\appmsg.vtm");
     EXPECT_TRUE(info(app).isSegment);
     EXPECT_STREQ(Vnt_VtmRead(app, 2), "Two");
     VNT_MSG other = Vnt_VtmOpenSeg(box, "other");
     EXPECT_EQ(iterate(other), (std::vector<std::string>{"Other one", "Other three"}));
     EXPECT_EQ(Vnt_VtmOpenSeg(other, "APPMSG"), app);  // found through the chain
-    EXPECT_EQ(info(app).refCount, 2);
-    EXPECT_EQ(info(box).refCount, 4);
+    EXPECT_EQ(std::tuple(info(app).refCount, info(box).refCount), std::tuple(2, 4));
     Vnt_VtmClose(box);  // its segments still hold it
     EXPECT_STREQ(Vnt_VtmRead(app, 9), "Nine");  // from the shared file
     Vnt_VtmClose(app), Vnt_VtmClose(app);
@@ -365,8 +350,7 @@ TEST_F(VtmTest, SegmentsShareTheirContainer) {
     expectReport("segments still open");
     EXPECT_EQ(vnt::vtm::liveCount(), 2u);
     EXPECT_STREQ(Vnt_VtmRead(app, 1), "One");  // preloaded: still there
-    EXPECT_STREQ(Vnt_VtmRead(app, 9), "");
-    EXPECT_EQ(Vnt_VtmStatus(), 100);
+    EXPECT_TRUE(*Vnt_VtmRead(app, 9) == '\0' && Vnt_VtmStatus() == 100);
     EXPECT_EQ(Vnt_VtmOpenSeg(app, "OTHER"), other);  // the chain survives
     Vnt_VtmClose(other), Vnt_VtmClose(other), Vnt_VtmClose(app);
     EXPECT_EQ(vnt::vtm::liveCount(), 0u);
@@ -390,22 +374,9 @@ TEST_F(VtmTest, SegmentFailures) {
         r.mutate(b);
         VNT_MSG box = open("box.vtm", b);
         EXPECT_EQ(Vnt_VtmOpenSeg(box, r.seg), nullptr);
-        EXPECT_EQ(Vnt_VtmStatus(), r.status);
-        EXPECT_EQ(info(box).refCount, r.boxRefs);
-        EXPECT_EQ(vnt::vtm::liveCount(), 1u);
-        EXPECT_TRUE(info(box).fileOpen);
+        EXPECT_EQ(std::tuple(Vnt_VtmStatus(), info(box).refCount, vnt::vtm::liveCount(), info(box).fileOpen),
+                  std::tuple(r.status, r.boxRefs, 1u, true));
     }
-}
-
-using VtmDeathTest = VtmTest;
-TEST_F(VtmDeathTest, ReportNotConfirmedEndsProcess) {
-    EXPECT_EQ(Vnt_VtmSetReport(nullptr), capture);
-    EXPECT_EQ(Vnt_VtmSetReport(capture)("probe"), VNT_RESP_OK);  // the default answers OK
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    Vnt_VtmSetReport([](const char*) -> VNT_RESP { return VNT_RESP_CANCEL; });
-    EXPECT_EXIT(Vnt_VtmRead(nullptr, 5), ::testing::ExitedWithCode(3),
-                "exit code 3: a report was not confirmed: VTMINTRF: Internal Error. Cannot get message 5 when no "
-                "message library is open!\n");
 }
 
 }  // namespace
