@@ -30,10 +30,7 @@ bool g_edAnswer = true;
 bool edInit() { return ++g_edInits, g_edAnswer; }
 void edTerm() { ++g_edTerms; }
 
-std::string lib(const fs::path& p) {
-    VNT_PATH b{};
-    return Vnt_LfnFromHost(b, p.c_str()) ? b : "(not mappable)";
-}
+const auto lib = vnt::test::libPath;
 
 const char* const kAppMsg = "segment APPMSG\n1 \"Hallo\"\n";
 const char* const kTable = "12 Kasse.dll Kasse KasseMain 0";

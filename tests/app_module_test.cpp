@@ -30,10 +30,7 @@ using namespace std::string_literals;
 
 namespace {
 
-std::string lib(const fs::path& p) {
-    VNT_PATH b{};
-    return Vnt_LfnFromHost(b, p.c_str()) ? b : "(not mappable)";
-}
+const auto lib = vnt::test::libPath;
 
 // A program that writes its arguments into out.txt of its working directory.
 void writeTool(const fs::path& file) {

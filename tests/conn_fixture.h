@@ -50,19 +50,13 @@ protected:
     }
     /// The application file's settings section; the registry reads it anew.
     void app(const std::vector<std::string>& settings) { writeAppSettings(dir_, settings); }
-    void put(const std::string& name, const std::string& text) {
-        std::filesystem::create_directories((dir_ / name).parent_path());
-        std::ofstream(dir_ / name, std::ios::binary) << text;
-    }
+    void put(const std::string& name, const std::string& text) { putFile(dir_ / name, text); }
     void putLines(const std::string& name, const std::vector<std::string>& lines) {
         std::string text;
         for (const std::string& l : lines) text += l + "\r\n";
         put(name, text);
     }
-    std::string get(const std::string& name = "INI/dsn.ini") const {
-        std::ifstream in(dir_ / name, std::ios::binary);
-        return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "(missing)";
-    }
+    std::string get(const std::string& name = "INI/dsn.ini") const { return fileText(dir_ / name); }
     std::string lastBox() const { return box.shown.empty() ? "(none)" : box.shown.back().text; }
 
     std::filesystem::path dir_;
@@ -87,6 +81,10 @@ struct ConnBackend {
 };
 
 const auto byName = [](const auto& i) { return std::string(i.param->name); };
+
+/// SQLite, the embedded default: a database file in each client's directory.
+inline const ConnBackend kSqlite{"Sqlite", {"DsnPathSpec=Database", "DsnDBFileName=vanto.db", "DsnIsFile=1"}, "SQLite3",
+                                 [](std::string&) { return ConnBackend::Ready::Yes; }, [](int) { return std::vector<std::string>{}; }};
 
 class Conn : public Site<::testing::TestWithParam<const ConnBackend*>> {
 protected:
@@ -116,9 +114,19 @@ protected:
         putLines("INI/dsn.ini", list);
     }
     void TearDown() override {
+        if (!cwd_.empty()) vnt::host::setCurDir(cwd_);
         Site::TearDown();
         Vnt_UiSetWindow(oldWin_);
         Vnt_UiSetClientSelect(oldSel_);
+    }
+    /// The stack module beside the program, T:\ the current directory (set
+    /// back at the end) and the module table of `lines` loaded.
+    void useModules(const std::vector<std::string>& lines) {
+        cwd_ = vnt::host::curDir();
+        std::filesystem::copy_file(std::filesystem::path(VANTO_TEST_MODULE_DIR) / "libModStack.so", dir_ / "libModStack.so");
+        ASSERT_TRUE(vnt::host::setCurDir("T:\\"));
+        writeIniLibrary(dir_, "Modules.vtm", lines);
+        ASSERT_TRUE(vnt::app::loadModuleTable());
     }
     static std::string progDir() {
         char buf[VNT_MAX_PATH] = {};
@@ -138,6 +146,7 @@ protected:
     VNT_HWND main_ = nullptr;
 
 private:
+    std::string cwd_;
     VntWindowPort* oldWin_ = nullptr;
     VntClientSelectPort* oldSel_ = nullptr;
 };

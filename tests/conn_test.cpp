@@ -16,12 +16,9 @@ using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 using vnt::test::Conn;
-using vnt::test::ConnBackend;
+using vnt::test::kSqlite;
 
 namespace {
-
-const ConnBackend kSqlite{"Sqlite", {"DsnPathSpec=Database", "DsnDBFileName=vanto.db", "DsnIsFile=1"}, "SQLite3",
-                          [](std::string&) { return ConnBackend::Ready::Yes; }, [](int) { return std::vector<std::string>{}; }};
 
 // The current client: name and data path.
 std::string current() { return std::string(Vnt_AppDSN()) + "|" + Vnt_AppDataPath(); }
@@ -302,29 +299,8 @@ TEST_P(ConnLite, AppendAndRemoveKeepTheirDeliberateRules) {
 
 // The selection's steps, with modules.
 
-class ConnModules : public Conn {
-protected:
-    void SetUp() override {
-        Conn::SetUp();
-        if (IsSkipped() || HasFatalFailure()) return;
-        cwd_ = vnt::host::curDir();
-        fs::copy_file(fs::path(VANTO_TEST_MODULE_DIR) / "libModStack.so", dir_ / "libModStack.so");
-        ASSERT_TRUE(vnt::host::setCurDir("T:\\"));
-    }
-    void TearDown() override {
-        if (!cwd_.empty()) vnt::host::setCurDir(cwd_);
-        Conn::TearDown();
-    }
-    void table(const std::vector<std::string>& lines) {
-        vnt::test::writeIniLibrary(dir_, "Modules.vtm", lines);
-        ASSERT_TRUE(vnt::app::loadModuleTable());
-    }
-    std::string cwd_;
-};
-INSTANTIATE_TEST_SUITE_P(Sqlite, ConnModules, ::testing::Values(&kSqlite), vnt::test::byName);
-
-TEST_P(ConnModules, AFailingClientChainClosesTheConnection) {
-    table({"-1, ModStack.dll, Kette, ModMain, 0"});
+TEST_P(ConnLite, AFailingClientChainClosesTheConnection) {
+    useModules({"-1, ModStack.dll, Kette, ModMain, 0"});
     for (long result : {0, -1}) {
         Vnt_AppModQueuePush(result);
         EXPECT_EQ(Vnt_DsnConnectClient("Schulze KG"), result == 0) << result;
@@ -333,8 +309,8 @@ TEST_P(ConnModules, AFailingClientChainClosesTheConnection) {
     }
 }
 
-TEST_P(ConnModules, TheModuleLeftOnTheStackStartsAfterTheSelection) {
-    table({"30, ModStack.dll, Danach, ModMain, 0"});
+TEST_P(ConnLite, TheModuleLeftOnTheStackStartsAfterTheSelection) {
+    useModules({"30, ModStack.dll, Danach, ModMain, 0"});
     // Connected directly (no selection at start) or through the selection.
     for (const char* show : {"0", "1"}) {
         SCOPED_TRACE(show);
@@ -351,8 +327,8 @@ TEST_P(ConnModules, TheModuleLeftOnTheStackStartsAfterTheSelection) {
     }
 }
 
-TEST_P(ConnModules, OkInstallsAMissingClientAndCancelRestores) {
-    table({"23, ModStack.dll, Einrichten, ModMain, 0", "24, ModStack.dll, Installation, ModMain, 0"});
+TEST_P(ConnLite, OkInstallsAMissingClientAndCancelRestores) {
+    useModules({"23, ModStack.dll, Einrichten, ModMain, 0", "24, ModStack.dll, Installation, ModMain, 0"});
     ASSERT_TRUE(Vnt_DsnConnectClient("M\xFCller GmbH"));
     const std::string m1 = Vnt_AppConnGet();
     DsnIni reg(this);

@@ -17,11 +17,8 @@ using Outcome = VntDsnEntryEdit::Outcome;
 
 namespace {
 
-const vnt::test::ConnBackend kSqlite{"Sqlite", {"DsnPathSpec=Database", "DsnDBFileName=vanto.db", "DsnIsFile=1"},
-                                     "SQLite3", [](std::string&) { return vnt::test::ConnBackend::Ready::Yes; },
-                                     [](int) { return std::vector<std::string>{}; }};
-
 using namespace vnt::test::dsnlist;
+using vnt::test::kSqlite;
 
 class DsnDlg : public vnt::test::Conn {
 protected:
@@ -30,18 +27,12 @@ protected:
         if (IsSkipped() || HasFatalFailure()) return;
         for (const char* d : {"Daten/M1", "Daten/M2", "Daten/M4"}) put(std::string(d) + "/vanto.db", "");
         fs::create_directories(dir_ / "Daten/Neu");
-        cwd_ = vnt::host::curDir();
-        fs::copy_file(fs::path(VANTO_TEST_MODULE_DIR) / "libModStack.so", dir_ / "libModStack.so");
-        ASSERT_TRUE(vnt::host::setCurDir("T:\\"));
-        vnt::test::writeIniLibrary(dir_, "Modules.vtm",
-                                   {"23, ModStack.dll, Einrichten, ModMain, 0", "24, ModStack.dll, Installation, ModMain, 0"});
-        ASSERT_TRUE(vnt::app::loadModuleTable());
+        useModules({"23, ModStack.dll, Einrichten, ModMain, 0", "24, ModStack.dll, Installation, ModMain, 0"});
         ASSERT_EQ(get(), listText({kM, kS, kK}));
     }
     void TearDown() override {
         sel_.reset();
         reg_.reset();
-        if (!cwd_.empty()) vnt::host::setCurDir(cwd_);
         Conn::TearDown();
     }
     // The list as the fixture wrote it, the modules' stack empty, no boxes.
@@ -66,7 +57,6 @@ protected:
         for (const auto& b : box.shown) s += b.text + "|";
         return s;
     }
-    std::string cwd_;
     std::optional<DsnIni> reg_;
     std::optional<VntDsnSelection> sel_;
 };

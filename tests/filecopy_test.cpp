@@ -48,14 +48,8 @@ protected:
         Vnt_UiSetPresenter(nullptr), Vnt_UiSetProgress(nullptr);
         vnt::test::resetAll(), fs::remove_all(base_);
     }
-    void put(const std::string& rel, const std::string& data) {
-        fs::create_directories((base_ / rel).parent_path());
-        std::ofstream(base_ / rel, std::ios::binary) << data;
-    }
-    std::string get(const std::string& rel) const {
-        std::ifstream in(base_ / rel, std::ios::binary);
-        return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "(missing)";
-    }
+    void put(const std::string& rel, const std::string& data) { vnt::test::putFile(base_ / rel, data); }
+    std::string get(const std::string& rel) const { return vnt::test::fileText(base_ / rel); }
     bool exists(const std::string& rel) const { return fs::exists(base_ / rel); }
     void age(const std::string& rel, int hours) {
         fs::last_write_time(base_ / rel, fs::last_write_time(base_ / rel) - std::chrono::hours(hours));

@@ -48,19 +48,13 @@ protected:
         vnt::host::setCurDir(startDir_);
         fs::remove_all(dir_);
     }
-    static std::string lib(const fs::path& p) {
-        VNT_PATH b{};
-        return Vnt_LfnFromHost(b, p.c_str()) ? b : "(not mappable)";
-    }
+    static std::string lib(const fs::path& p) { return vnt::test::libPath(p); }
     // The application file: one message a line.
     void appVtm(const std::vector<std::string>& lines) {
         vnt::test::writeIniLibrary(dir_, "App.vtm", lines);
     }
     void put(const std::string& name, const std::string& s) const { std::ofstream(dir_ / name, std::ios::binary) << s; }
-    std::string text(const std::string& name) const {
-        std::ifstream in(dir_ / name, std::ios::binary);
-        return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "(missing)";
-    }
+    std::string text(const std::string& name) const { return vnt::test::fileText(dir_ / name); }
     std::string file(const std::string& name) const { return lib(dir_ / name); }
     // An entry's value as ReadStr gives it, "-" when missing.
     static std::string get(VntIni& ini, const char* entry) {

@@ -41,10 +41,7 @@ protected:
         vnt::host::setCurDir(startDir_);
         fs::remove_all(dir_);
     }
-    std::string file(const fs::path& p) const {
-        VNT_PATH b{};
-        return Vnt_LfnFromHost(b, (dir_ / p).c_str()) ? b : "(not mappable)";
-    }
+    std::string file(const fs::path& p) const { return vnt::test::libPath(dir_ / p); }
     void put(const std::string& s) const { std::ofstream(dir_ / "T.ini", std::ios::binary | std::ios::trunc) << s; }
     // A fresh object on T.ini holding [S] and v=`value` (null: no v).
     std::unique_ptr<VntIni> on(const char* value) {
@@ -52,10 +49,7 @@ protected:
         vnt::ini::profileReset();
         return std::make_unique<VntIni>(file("T.ini").c_str(), "S");
     }
-    std::string text() const {
-        std::ifstream in(dir_ / "T.ini", std::ios::binary);
-        return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "(missing)";
-    }
+    std::string text() const { return vnt::test::fileText(dir_ / "T.ini"); }
     fs::path dir_;
     std::string startDir_;
 };

@@ -22,6 +22,7 @@
 #include "vanto/ui/msgbox.h"
 #include "vtmtool/vtm_writer.h"
 #include "scratch.h"
+#include "support.h"
 
 namespace fs = std::filesystem;
 using vnt::msg::textState;
@@ -36,10 +37,7 @@ const vtmtool::Library kApp{"APP", 60, 0, 2,
     {{1, "Preloaded one"}, {2, "~Pre~load~ed"}, {3, "File three"}, {4, "~&Word"}, {5, "~One~Two"},
      {6, "%d items in %s"}, {7, "%s"}, {8, ";comment"}, {9, "File nine"}, {10, "~"}}};
 
-std::string libPath(const fs::path& p) {
-    VNT_PATH b{};
-    return Vnt_LfnFromHost(b, p.c_str()) ? b : "(not mappable)";
-}
+using vnt::test::libPath;
 void writeLib(const fs::path& file, const vtmtool::Library& lib) {
     fs::create_directories(file.parent_path());
     vtmtool::writeFileAtomic(file, vtmtool::writeLibrary(lib));

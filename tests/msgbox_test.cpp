@@ -28,15 +28,8 @@ using vnt::msg::showBox;
 
 namespace {
 
-std::string slurp(const fs::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-void put(const fs::path& p, const std::string& s) {
-    fs::create_directories(p.parent_path());
-    std::ofstream(p, std::ios::binary) << s;
-}
+const auto slurp = vnt::test::fileText;
+const auto put = vnt::test::putFile;
 
 // One line for a model: icon (I E Q S, '-' none), type (+H: the Help bit),
 // the buttons left to right, then what differs from the usual: "esc7"
@@ -82,11 +75,7 @@ protected:
         vnt::test::resetAll();
         fs::remove_all(base_);
     }
-    static std::string lib(const fs::path& p) {
-        char s[VNT_MAX_PATH] = {};
-        EXPECT_TRUE(Vnt_LfnFromHost(s, p.c_str()));
-        return s;
-    }
+    static std::string lib(const fs::path& p) { return vnt::test::libPath(p); }
     // Opens the system library (none: a missing one) with the details
     // template `details` and the help keys; the title is "Fibu".
     void startMessages(bool withLibrary = true, const char* details = "Beschreibung: %s\nDatei: %s\nZeile: %d") {

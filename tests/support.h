@@ -14,14 +14,35 @@
 #include "msg/vtm_internal.h"
 #include "ui/ui_state.h"
 #include "vanto/ini.h"
+#include "vanto/lfn.h"
 #include "vtmtool/vtm_writer.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
 namespace vnt::test {
+
+/// The library's name of host path `p`, or "(not mappable)".
+inline std::string libPath(const std::filesystem::path& p) {
+    VNT_PATH b{};
+    return Vnt_LfnFromHost(b, p.c_str()) ? b : "(not mappable)";
+}
+
+/// The bytes of file `p`, or "(missing)" when it cannot be read.
+inline std::string fileText(const std::filesystem::path& p) {
+    std::ifstream in(p, std::ios::binary);
+    return in ? std::string(std::istreambuf_iterator<char>(in), {}) : "(missing)";
+}
+
+/// Writes `text` as file `p`, its directories created.
+inline void putFile(const std::filesystem::path& p, const std::string& text) {
+    std::filesystem::create_directories(p.parent_path());
+    std::ofstream(p, std::ios::binary) << text;
+}
 
 /// Writes INI\`name` below `programDir` as a message library with one
 /// message a line (IDs from 1): the form of "App.vtm" and "Modules.vtm".
