@@ -10,6 +10,7 @@
 #include "vanto/module.h"
 
 #include <optional>
+#include <tuple>
 
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
@@ -94,12 +95,8 @@ TEST_P(DsnDlg, ListButtonsChangeTheListOnlyWhenSaved) {
         const std::string name = r.chosen >= 0 ? sel.Registry().Entry(r.chosen)->name : "";
         for (int a : r.answers) box.answers.push_back({a});
         EXPECT_EQ((sel.*r.act)(), r.result);
-        EXPECT_EQ(sel.Selected(), r.chosenAfter);
-        EXPECT_EQ(win.beeps, r.beeps);
-        ASSERT_EQ(box.shown.size(), r.answers.size());
-        for (const auto& b : box.shown) {
-            EXPECT_THAT(b.text, HasSubstr("remove the client \"" + name + "\""));
-        }
+        EXPECT_EQ(std::tuple(sel.Selected(), win.beeps, box.shown.size()), std::tuple(r.chosenAfter, r.beeps, r.answers.size()));
+        for (const auto& b : box.shown) EXPECT_THAT(b.text, HasSubstr("remove the client \"" + name + "\""));
         EXPECT_EQ(get(), listText({kM, kS, kK})) << "nothing written before saving";
         ASSERT_TRUE(sel.Save());
         EXPECT_EQ(get(), listText(r.list));
@@ -110,12 +107,9 @@ TEST_P(DsnDlg, ListButtonsChangeTheListOnlyWhenSaved) {
     VntDsnSelection& sel = open();
     for (int expect : {0, 0, -1}) {
         sel.Select(0);
-        ASSERT_TRUE(sel.Delete());
-        EXPECT_EQ(sel.Selected(), expect);
+        EXPECT_TRUE(sel.Delete() && sel.Selected() == expect) << expect;
     }
-    EXPECT_TRUE(sel.Names().empty());
-    ASSERT_TRUE(sel.Save());
-    EXPECT_EQ(get(), listText({}));
+    EXPECT_TRUE(sel.Names().empty() && sel.Save() && get() == listText({}));
 }
 
 TEST_P(DsnDlg, CancelAsksAboutChangesAndNeverWrites) {
@@ -127,9 +121,7 @@ TEST_P(DsnDlg, CancelAsksAboutChangesAndNeverWrites) {
     box.answers = {{VNT_BTN_YES}, {VNT_BTN_NO}, {VNT_BTN_YES}};
     ASSERT_TRUE(sel.Delete());
     EXPECT_FALSE(sel.Cancel()) << "No keeps the dialog";
-    EXPECT_TRUE(sel.Cancel());
-    EXPECT_FALSE(sel.Registry().IsModified());
-    EXPECT_EQ(get(), listText({kM, kS, kK}));
+    EXPECT_TRUE(sel.Cancel() && !sel.Registry().IsModified() && get() == listText({kM, kS, kK}));
     EXPECT_STREQ(Vnt_AppDSN(), "M\xFCller GmbH");
     {
         DsnIni inner(this);
@@ -174,8 +166,7 @@ TEST_P(DsnDlg, OkWritesTheListConnectsAndKeepsTheUsersChoices) {
         sel.SetNoShowTicked(r.tickNoShow);
         ASSERT_TRUE(sel.Ok()) << boxes();
         EXPECT_STREQ(Vnt_AppDSN(), r.chosen ? "Schulze KG" : "M\xFCller GmbH");
-        EXPECT_EQ(get(), listText({kM, kS}));
-        EXPECT_EQ(get("USR/Std/User.ini"), r.userAfter);
+        EXPECT_EQ(get() + get("USR/Std/User.ini"), listText({kM, kS}) + r.userAfter);
     }
 }
 
@@ -185,29 +176,24 @@ TEST_P(DsnDlg, OkAndSupplementSetUpAClientWhosePathIsMissing) {
     VntDsnSelection& sel = open();
     // Supplement asks first; with none chosen it beeps.
     box.answers = {{VNT_BTN_NO}, {VNT_BTN_YES}};
-    EXPECT_FALSE(sel.Supplement());
-    EXPECT_FALSE(sel.Supplement());
-    EXPECT_EQ(win.beeps, 1);
-    EXPECT_EQ(box.shown.size(), 2u);
+    EXPECT_FALSE(sel.Supplement() || sel.Supplement());
+    EXPECT_TRUE(win.beeps == 1 && box.shown.size() == 2u);
 
     sel.Select(1);
     box.shown.clear();
     box.answers = {{VNT_BTN_YES}, {VNT_BTN_NO}, {VNT_BTN_YES}, {VNT_BTN_YES}};
     EXPECT_FALSE(sel.Supplement()) << "60358 answered No";
     Vnt_AppModQueuePush(1);
-    EXPECT_TRUE(sel.Supplement()) << boxes();
-    EXPECT_EQ(box.shown.size(), 4u);
+    EXPECT_TRUE(sel.Supplement() && box.shown.size() == 4u) << boxes();
     EXPECT_THAT(box.shown[1].text, HasSubstr("T:\\Daten\\M2"));
 
     // OK on it: asked again, the installation refuses and the dialog stays.
-    box.answers = {{VNT_BTN_YES}};
-    Vnt_AppModQueuePush(0);
-    EXPECT_FALSE(sel.Ok());
-    EXPECT_STREQ(Vnt_AppDSN(), "");
-    box.answers = {{VNT_BTN_YES}};
-    Vnt_AppModQueuePush(1);
-    EXPECT_TRUE(sel.Ok()) << boxes();
-    EXPECT_STREQ(Vnt_AppDSN(), "Schulze KG");
+    for (long install : {0L, 1L}) {
+        box.answers = {{VNT_BTN_YES}};
+        Vnt_AppModQueuePush(install);
+        EXPECT_EQ(sel.Ok(), install == 1) << boxes();
+        EXPECT_STREQ(Vnt_AppDSN(), install ? "Schulze KG" : "");
+    }
 }
 
 TEST_P(DsnDlg, EntryDialogsPlaceTheClientOrStayOpen) {
@@ -275,20 +261,15 @@ TEST_P(DsnDlg, EntryDialogsPlaceTheClientOrStayOpen) {
         sel.Select(r.chosen);
         VntDsnEntryEdit edit(sel, r.index);
         EXPECT_EQ(edit.Dialog(), r.index < 0 ? 30023 : 30022);
-        if (r.index >= 0) {
-            EXPECT_EQ(std::string(edit.Path()), sel.Registry().Entry(r.index)->path);
-        }
+        EXPECT_TRUE(r.index < 0 || std::string(edit.Path()) == sel.Registry().Entry(r.index)->path) << edit.Path();
         long asked = 0;
         const Outcome out = edit.Ok(r.name.c_str(), r.path.c_str(), r.atEnd, [&](long dialog) {
             asked = dialog;
             return r.choice;
         });
-        EXPECT_EQ(out, r.out);
-        EXPECT_EQ(asked, r.asked);
-        EXPECT_EQ(box.shown.size(), *r.box ? 1u : 0u) << boxes();
+        EXPECT_EQ(std::tuple(out, asked, box.shown.size(), sel.Selected(), std::string(Vnt_AppDSN())),
+                  std::tuple(r.out, r.asked, *r.box ? 1u : 0u, out == Outcome::Done ? edit.Index() : r.chosen, std::string(r.dsn)));
         EXPECT_THAT(boxes(), HasSubstr(r.box));
-        EXPECT_EQ(sel.Selected(), out == Outcome::Done ? edit.Index() : r.chosen);
-        EXPECT_STREQ(Vnt_AppDSN(), r.dsn);
         ASSERT_TRUE(sel.Save());
         EXPECT_EQ(get(), listText(r.list));
     }
@@ -302,8 +283,7 @@ TEST_P(DsnDlg, DirectoryTreeListsVolumesAndSubDirectories) {
     EXPECT_TRUE(std::is_sorted(roots.begin(), roots.end()));
     EXPECT_EQ(Vnt_DsnDirChildren("T:\\"), (std::vector<std::string>{"b", "Daten", "INI", "USR"}));
     EXPECT_EQ(Vnt_DsnDirChildren("T:\\Daten"), (std::vector<std::string>{"M1", "M2", "M3", "M4", "Neu"}));
-    EXPECT_TRUE(Vnt_DsnDirChildren("T:\\Daten\\M1").empty()) << "files are no directories";
-    EXPECT_TRUE(Vnt_DsnDirChildren("T:\\Fehlt").empty());
+    EXPECT_TRUE(Vnt_DsnDirChildren("T:\\Daten\\M1").empty() && Vnt_DsnDirChildren("T:\\Fehlt").empty()) << "files are no directories";
     const struct { const char* path; const char* start; } rows[] = {
         {"T:\\Daten\\M1\\vanto.db", "T:\\Daten\\M1"}, {"T:\\Daten\\Fehlt\\x", "T:\\Daten"},
         {"T:\\Daten", "T:\\Daten"}, {"T:\\", "T:\\"}, {"", ""}, {"Daten", "T:\\Daten"}, {"Q:\\x", ""},
