@@ -103,9 +103,7 @@ TEST_F(Locale, DateText) {
         std::memset(buf, 'x', sizeof buf);
         Vnt_SysDateToStr(r.y, r.m, r.d, &buf, r.two, r.full);
         EXPECT_EQ(std::string(buf, strnlen(buf, sizeof buf)), r.expected) << r.shortDate << " " << r.y;
-        if (!*r.expected) {
-            EXPECT_EQ(std::string(buf, sizeof buf), std::string(20, '\0')) << r.y << " " << r.m;
-        }
+        EXPECT_TRUE(*r.expected || std::string(buf, sizeof buf) == std::string(20, '\0')) << r.y << " " << r.m;
     }
 }
 
@@ -137,10 +135,8 @@ TEST_F(Locale, ReadingDates) {
     }
     use("dd.MM.yyyy");
     VNT_DATE d{};
-    EXPECT_FALSE(Vnt_SysDateFromUSStr(d, "03/05/1999", nullptr));
-    EXPECT_EQ(d.month * 100 + d.day, 305) << "month first whatever the locale";
-    EXPECT_TRUE(Vnt_SysDateFromStr(d, nullptr, nullptr));
-    EXPECT_EQ(d.year, 99);
+    EXPECT_TRUE(!Vnt_SysDateFromUSStr(d, "03/05/1999", nullptr) && d.month * 100 + d.day == 305) << "month first whatever the locale";
+    EXPECT_TRUE(Vnt_SysDateFromStr(d, nullptr, nullptr) && d.year == 99);
     EXPECT_STREQ(Vnt_SysDateFormat(), "%02d.%02d.%04d") << "the US form leaves the locale as it was";
 }
 
@@ -161,18 +157,15 @@ TEST_F(Locale, GermanAndAmericanRecords) {
         EXPECT_EQ(record(Vnt_SysInfo(VNT_SI_RELOAD)), r.record);
         const VNT_DATE march{1999, 3, 5};
         char buf[20];
-        EXPECT_TRUE(Vnt_DateToStr(buf, &march));
-        EXPECT_STREQ(buf, r.dateText) << r.record;
+        EXPECT_TRUE(Vnt_DateToStr(buf, &march) && std::string(buf) == r.dateText) << buf;
         VNT_DATE d{};
         Vnt_DateFromStr(&d, r.typed);
         EXPECT_EQ(d.year * 10000 + d.month * 100 + d.day, 20011224) << r.record;
         EXPECT_STREQ(VntDate(2001, 12, 24).DateToStr(nullptr), VntDate(d.year, d.month, d.day).text);
         std::string money;
         double v = 0;
-        EXPECT_TRUE(Vnt_MoneyToStr(money, 1234.565, true));
-        EXPECT_EQ(money, r.money) << r.record;
-        EXPECT_FALSE(Vnt_MoneyFromStr(r.money, &v));
-        EXPECT_EQ(v, 1234.57) << r.record;
+        EXPECT_TRUE(Vnt_MoneyToStr(money, 1234.565, true) && money == r.money) << money;
+        EXPECT_TRUE(!Vnt_MoneyFromStr(r.money, &v) && v == 1234.57) << v;
     }
     Vnt_SysSetIntlSource(nullptr);
     EXPECT_TRUE(boxes_.shown.empty());
@@ -218,8 +211,7 @@ TEST_F(HostIntl, LocaleEnvironment) {
     setenv("LC_TIME", "de_DE.VNT", 1);
     EXPECT_EQ(value("sShortDate"), "dd.MM.yyyy") << "the category's own variable wins over LANG";
     setenv("LC_ALL", "en_GB.VNT", 1);
-    EXPECT_EQ(value("sShortDate"), "dd/MM/yyyy") << "LC_ALL wins over both";
-    EXPECT_EQ(value("sNoSuchKey"), "<none>");
+    EXPECT_EQ(value("sShortDate") + value("sNoSuchKey"), "dd/MM/yyyy<none>") << "LC_ALL wins over both";
     EXPECT_GT(Vnt_SysWinVer(), 100);
 }
 
