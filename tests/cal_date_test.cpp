@@ -190,8 +190,7 @@ TEST_F(CalDate, EveryDayFrom1583To3000AgreesWithChrono) {
             check(back == -want, "DiffDays from", sd, back, -want);
         }
     }
-    EXPECT_EQ(days, 517914);
-    EXPECT_EQ(firstFailures, "");
+    EXPECT_EQ(std::to_string(days) + firstFailures, "517914");
     EXPECT_TRUE(box.plainShown.empty() && box.shown.empty());
 }
 
@@ -300,8 +299,7 @@ TEST_F(CalDate, WeekSettingsComeFromTheApplicationFileOnce) {
     vnt::cal::reset();
     fs::remove(dir_ / "INI" / "App.vtm");
     EXPECT_EQ(at(D(2005, 1, 1)).WeekOfYear(), 53);
-    EXPECT_STREQ(at(D(2005, 1, 1)).DayOfWeekStr(), "Saturday");
-    EXPECT_STREQ(vnt::cal::state().week.shortNames[7], "Su");
+    EXPECT_EQ(at(D(2005, 1, 1)).DayOfWeekStr() + std::string("|") + vnt::cal::state().week.shortNames[7], "Saturday|Su");
     EXPECT_TRUE(box.plainShown.empty() && box.shown.empty());
 }
 
@@ -390,8 +388,7 @@ TEST_F(CalDate, DifferencesAndAddingDays) {
     Vnt_DatePlusDays(&big, &out, LONG_MAX);  // far beyond 16-bit years: no overflow, some date
     Vnt_DatePlusDays(&big, &out, LONG_MIN);
     VntDate v = at(D(31, 5, 5));
-    EXPECT_EQ(v.DiffDays(D(1931, 5, 6)), 1);
-    EXPECT_EQ(v.DiffDays(at(D(1931, 5, 4))), -1);
+    EXPECT_EQ(std::vector<long>({v.DiffDays(D(1931, 5, 6)), v.DiffDays(at(D(1931, 5, 4)))}), std::vector<long>({1, -1}));
     v.PlusDays(-4, &o);
     EXPECT_EQ(S(o) + " " + S(v.date), "1931-05-01 31-05-05") << "a copy of the date is the source";
     v.PlusDays(27, nullptr);

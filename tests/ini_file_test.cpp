@@ -127,11 +127,9 @@ TEST_F(IniFile, NamesThatCannotBeHeldAreRefused) {
     ASSERT_EQ(fits.size(), VNT_MAX_PATH - 1);
     VntIniX tooLong((fits + "i").c_str(), "S");
     vnt::host::setLastError(vnt::host::ErrorKind::None);
-    EXPECT_FALSE(tooLong.WriteStr("k", "v"));
-    EXPECT_EQ(vnt::host::lastError().kind, vnt::host::ErrorKind::Invalid);
+    EXPECT_TRUE(!tooLong.WriteStr("k", "v") && vnt::host::lastError().kind == vnt::host::ErrorKind::Invalid);
     EXPECT_FALSE(tooLong.SectionWriteBegin() || tooLong.WriteSection("k=v") || tooLong.Open(nullptr, VNTINI_KEEP, true));
-    EXPECT_EQ(get(tooLong, "k"), "-");
-    EXPECT_TRUE(box.shown.empty()) << "a refused name is no internal error";
+    EXPECT_TRUE(get(tooLong, "k") == "-" && box.shown.empty()) << "a refused name is no internal error";
     VntIni ok(fits.c_str(), "S");
     EXPECT_TRUE(ok.WriteStr("k", "v"));
     EXPECT_EQ(std::distance(fs::directory_iterator(dir_), {}), 2) << "App.vtm and the file whose name fits";
@@ -159,8 +157,7 @@ TEST_F(IniFile, LineReaderPiecesHeadersAndComments) {
         EXPECT_TRUE(ini.ReadStr(buf, sizeof buf) && buf == w) << w.size();
     EXPECT_TRUE(!ini.ReadStr(buf, sizeof buf) && ini.Line() == std::string("[Next]")) << "the header waits";
     ASSERT_TRUE(ini.SectionNext(&name) && std::string(name) + "/" + ini.Section() == "Next/Next");
-    EXPECT_STREQ(ini.ReadString("none", buf, 3), ini.Line());
-    EXPECT_STREQ(buf, "n") << "a CR alone ends a line too";
+    EXPECT_TRUE(ini.ReadString("none", buf, 3) == std::string(ini.Line()) && std::string(buf) == "n") << "a CR alone ends a line too";
     EXPECT_TRUE(ini.SectionFirst(&name) && std::string(name) == "Main");
     // Counting consumes a plain file's section.
     EXPECT_TRUE(ini.SectionFind("MAIN") && ini.CountEntries() == 3);
