@@ -421,27 +421,6 @@ TEST_F(ClientDialogs, PlaceSupplementAndHelp) {
 // Pictures
 // ---------------------------------------------------------------------------
 
-// Every visible control shows its whole text and lies inside its parent,
-// and no two controls of one parent overlap.
-void checkLayout(wxWindow* parent, const std::string& where) {
-    std::vector<wxWindow*> kids;
-    for (wxWindow* c : parent->GetChildren())
-        if (c->IsShown() && !c->IsTopLevel()) kids.push_back(c);
-    const wxRect area(wxPoint(0, 0), parent->GetClientSize());
-    for (wxWindow* c : kids) {
-        const std::string name = where + "/" + std::string(c->GetName().utf8_str()) + " \"" +
-                                 std::string(c->GetLabel().utf8_str()) + "\"";
-        const wxSize best = c->GetBestSize(), got = c->GetSize();
-        EXPECT_TRUE(got.x >= best.x && got.y >= best.y)
-            << name << " clipped: " << got.x << "x" << got.y << " < " << best.x << "x" << best.y;
-        EXPECT_TRUE(area.Contains(c->GetRect())) << name << " outside its parent";
-        for (wxWindow* o : kids)
-            if (o != c && c->GetRect().Intersects(o->GetRect()))
-                ADD_FAILURE() << name << " overlaps " << o->GetName().utf8_str();
-        checkLayout(c, name);
-    }
-}
-
 // Buttons, check boxes and field labels carry access keys, each key once
 // per dialog; only the texts the resource has without one ("OK",
 // "Abbrechen" of 30021 and 30026, and their English forms) go without.
@@ -503,10 +482,9 @@ TEST_F(ClientDialogs, PicturesOfEveryDialogInBothLanguages) {
             if (d == sel) choose(sel, 1);
             d->Show();
             pump(30);
-            checkLayout(d, "dlg" + std::to_string(d->ResourceNumber()));
+            vnt::wxtest::checkLayout(d, "dlg" + std::to_string(d->ResourceNumber()));
             checkAccessKeys(d, "dlg" + std::to_string(d->ResourceNumber()));
-            const std::string file = picture(d, "dlg" + std::to_string(d->ResourceNumber()) + "_" + l.code);
-            std::printf("picture: %s\n", file.c_str());
+            picture(d, "dlg" + std::to_string(d->ResourceNumber()) + "_" + l.code);
             d->Hide();
         }
         EXPECT_EQ(std::string(tree->Path()), "") << "nothing chosen yet";

@@ -1,7 +1,8 @@
 // Pictures of the library's own windows, German and English, into the
 // build tree's "shots" folder: each box type with and without check box,
 // the details page, the progress dialog with its confirmation and a VntDlg.
-// Every visible control must show its whole text inside the window; the
+// Every visible control must show its whole text inside its parent and
+// overlap no other; the
 // pictures are for a person to look at.
 #include "wx_support.h"
 
@@ -22,23 +23,6 @@ using vnt::wxtest::pump;
 
 namespace {
 
-std::string shot(wxWindow* w, const std::string& name) {
-    const std::string file = vnt::wxtest::picture(w, name);
-    std::printf("picture: %s\n", file.c_str());
-    return file;
-}
-
-// Controls inside their window, none clipped.
-void fits(wxWindow* top, const std::string& where) {
-    const wxRect area(wxPoint(0, 0), top->GetClientSize());
-    for (wxWindow* c : top->GetChildren()) {
-        if (!c->IsShown() || c->IsTopLevel()) continue;
-        const wxSize best = c->GetBestSize(), got = c->GetSize();
-        EXPECT_TRUE(got.x >= best.x && got.y >= best.y) << where << " " << c->GetLabel().utf8_str() << " clipped";
-        EXPECT_TRUE(area.Contains(c->GetRect())) << where << " " << c->GetLabel().utf8_str() << " outside";
-    }
-}
-
 // Takes the picture of each box 30061 when it shows, then closes it.
 class Shooter : public wxModalDialogHook {
 public:
@@ -52,8 +36,8 @@ protected:
             const std::string n = name + (b->Model().detailsMode ? "_details" : "");
             const bool support = b->Model().internalError && taken_.insert(n).second;  // once, then OK
             wxTheApp->CallAfter([b, n, support] {
-                fits(b, n);
-                shot(b, n);
+                vnt::wxtest::checkLayout(b, n);
+                vnt::wxtest::picture(b, n);
                 b->EndModal(support ? VNT_BTN_SUPPORT : VNT_BTN_OK);
             });
         }
@@ -112,21 +96,21 @@ TEST_F(Pictures, EveryWindowInBothLanguages) {
             stat.Progress(50UL);
             pump(50);
             ASSERT_TRUE(view->Status());
-            fits(view->Status(), "progress");
+            vnt::wxtest::checkLayout(view->Status(), "progress");
             EXPECT_EQ(view->Status()->GetClientSize().y, view->Status()->GetSizer()->GetMinSize().y)
                 << "no gap where hidden items were";
-            shot(view->Status(), "progress_30062_" + lang);
+            vnt::wxtest::picture(view->Status(), "progress_30062_" + lang);
             view->Status()->Close();  // the question (its answers: progress_wxtest.cpp)
             ASSERT_TRUE(view->Confirm());
-            fits(view->Confirm(), "confirm");
-            shot(view->Confirm(), "progress_confirm_30063_" + lang);
+            vnt::wxtest::checkLayout(view->Confirm(), "confirm");
+            vnt::wxtest::picture(view->Confirm(), "progress_confirm_30063_" + lang);
             EXPECT_EQ(view->Confirm()->GetTitle(), en ? "Copying" : "Kopieren");
         }
         VNTDLG_DLGINFO where{};
         VntDlg dlg(30063, nullptr, 30063, 0, &where);
         ASSERT_TRUE(dlg.IsOk());
         dlg.Show();
-        shot(&dlg, "vntdlg_" + lang);
+        vnt::wxtest::picture(&dlg, "vntdlg_" + lang);
         dlg.Hide();
     }
 }

@@ -677,11 +677,11 @@ TEST_F(RecordView, PicturesOfTheRecordViewInBothLanguages) {
         view->Frame()->SetPosition(wxPoint(0, 0));
         view->main.FindWindow(102)->SetFocus();
         pump(50);
-        std::printf("picture: %s\n", picture(view->Frame(), std::string("tabview_") + lang).c_str());
+        picture(view->Frame(), std::string("tabview_") + lang);
         ASSERT_TRUE(view->m_tab.GotoTab(1));
         pump(50);
         EXPECT_FALSE(dynamic_cast<VantoEd*>(view->figures.FindWindow(301))->GetValue().empty()) << "the amount is shown";
-        std::printf("picture: %s\n", picture(view->Frame(), std::string("tabview_figures_") + lang).c_str());
+        picture(view->Frame(), std::string("tabview_figures_") + lang);
         view->Frame()->Close(true);
         pump(30);
         set_.reset();

@@ -5,9 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdio>
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include <wx/app.h>
 #include <wx/bitmap.h>
@@ -86,7 +88,8 @@ inline std::string savePicture(const wxBitmap& bmp, const std::string& name) {
     return file;
 }
 
-/// The window as the screen shows it, saved as shots/`name`.png; the file's path.
+/// The window as the screen shows it, saved as shots/`name`.png (the path
+/// printed for the reader of the log); the file's path.
 inline std::string picture(wxWindow* w, const std::string& name) {
     w->Raise();
     w->Refresh();
@@ -99,7 +102,30 @@ inline std::string picture(wxWindow* w, const std::string& name) {
         wxMemoryDC to(bmp);
         to.Blit(0, 0, size.x, size.y, &from, 0, 0);
     }
-    return savePicture(bmp, name);
+    const std::string file = savePicture(bmp, name);
+    std::printf("picture: %s\n", file.c_str());
+    return file;
+}
+
+/// Every visible control of `parent` and below shows its whole text and lies
+/// inside its parent, and no two controls of one parent overlap.
+inline void checkLayout(wxWindow* parent, const std::string& where) {
+    std::vector<wxWindow*> kids;
+    for (wxWindow* c : parent->GetChildren())
+        if (c->IsShown() && !c->IsTopLevel()) kids.push_back(c);
+    const wxRect area(wxPoint(0, 0), parent->GetClientSize());
+    for (wxWindow* c : kids) {
+        const std::string name = where + "/" + std::string(c->GetName().utf8_str()) + " \"" +
+                                 std::string(c->GetLabel().utf8_str()) + "\"";
+        const wxSize best = c->GetBestSize(), got = c->GetSize();
+        EXPECT_TRUE(got.x >= best.x && got.y >= best.y)
+            << name << " clipped: " << got.x << "x" << got.y << " < " << best.x << "x" << best.y;
+        EXPECT_TRUE(area.Contains(c->GetRect())) << name << " outside its parent";
+        for (wxWindow* o : kids)
+            if (o != c && c->GetRect().Intersects(o->GetRect()))
+                ADD_FAILURE() << name << " overlaps " << o->GetName().utf8_str();
+        checkLayout(c, name);
+    }
 }
 
 }  // namespace vnt::wxtest
