@@ -2,8 +2,7 @@
 // build tree's "shots" folder: each box type with and without check box,
 // the details page, the progress dialog with its confirmation and a VntDlg.
 // Every visible control must show its whole text inside its parent and
-// overlap no other; the
-// pictures are for a person to look at.
+// overlap no other; the pictures are for a person to look at.
 #include "wx_support.h"
 
 #include <cstdio>
