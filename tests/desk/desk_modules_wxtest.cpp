@@ -363,13 +363,17 @@ TEST_F(DeskModules, BackupCopiesTheTreeWithItsTimesAndCancelKeepsTheOldOne) {
     EXPECT_TRUE(fs::is_regular_file(shot));
     EXPECT_TRUE(boxes_.shown.empty()) << "a Cancel needs no message";
     EXPECT_EQ(snapshot(backup), first);
-    std::vector<std::string> left;
-    for (const auto& e : fs::directory_iterator(inst_ / "Sicherung")) left.push_back(e.path().filename().string());
-    EXPECT_EQ(left, std::vector<std::string>{"M3"});
+    auto left = [&] {
+        std::vector<std::string> names;
+        for (const auto& e : fs::directory_iterator(inst_ / "Sicherung")) names.push_back(e.path().filename().string());
+        return names;
+    };
+    EXPECT_EQ(left(), std::vector<std::string>{"M3"});
 
-    // Run again: the new file is in the backup.
+    // Run again: the new file is in the backup, which replaced the old one.
     EXPECT_EQ(run(51), 1);
     EXPECT_EQ(snapshot(backup), snapshot(data));
+    EXPECT_EQ(left(), std::vector<std::string>{"M3"});
 }
 
 }  // namespace
