@@ -41,8 +41,8 @@ bool VntDatabase::Open(const char* dsn, bool exclusive, bool readOnly, const cha
     const std::string shown = Vnt_DbMaskConnect(full.c_str());
 
     std::string drv = driverConnect(full);
-    if (const std::string dir = driverWithoutFile(drv); !dir.empty()) {
-        fail(shown, "IM003", "The driver '" + fromUtf8(dir) + "' names a directory, not a driver library.");
+    if (const std::string why = unusableDriver(drv); !why.empty()) {
+        fail(shown, "IM002", why);
         return false;
     }
     SQLHENV env = environment();

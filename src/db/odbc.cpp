@@ -237,10 +237,9 @@ std::string driverConnect(std::string_view connect) {
     return out;
 }
 
-std::string driverWithoutFile(std::string_view connect) {
-    for (const Item& it : split(connect)) {
-        if (!it.pair || !sameText(it.key, "Driver")) continue;
-        std::string_view v = trim(it.value);
+std::string unusableDriver(std::string_view connect) {
+    auto judge = [](std::string_view v) -> std::string {
+        v = trim(v);
         std::string value;
         if (!v.empty() && v.front() == '{') {
             v.remove_prefix(1);
@@ -252,7 +251,23 @@ std::string driverWithoutFile(std::string_view connect) {
         } else {
             value = v;
         }
-        if (!value.empty() && (value.back() == '/' || value.back() == '\\')) return value;
+        if (trim(value).empty()) return "The connect string names an empty driver.";
+        if (value.back() == '/' || value.back() == '\\')
+            return "The driver '" + fromUtf8(value) + "' names a directory, not a driver library.";
+        return {};
+    };
+    for (const Item& it : split(connect))
+        if (it.pair && sameText(it.key, "Driver"))
+            if (std::string why = judge(it.value); !why.empty()) return why;
+    // The driver manager reads braces only right after the "=": the items
+    // between semicolons, braces ignored, are judged as well.
+    for (std::size_t pos = 0; pos <= connect.size();) {
+        const std::size_t end = std::min(connect.find(';', pos), connect.size());
+        const std::string_view item = connect.substr(pos, end - pos);
+        const std::size_t eq = item.find('=');
+        if (eq != std::string_view::npos && sameText(trim(item.substr(0, eq)), "Driver"))
+            if (std::string why = judge(item.substr(eq + 1)); !why.empty()) return why;
+        pos = end + 1;
     }
     return {};
 }

@@ -38,10 +38,11 @@ void fromWide(const SQLWCHAR* text, std::size_t count, std::string& out);
 /// A connect string as the driver gets it: without "ODBC;", library paths
 /// of the values as host paths, in UTF-8.
 std::string driverConnect(std::string_view connect);
-/// The first "Driver" value of `connect` that names a directory rather than
-/// a library file (it ends in a path separator), unbraced; empty when there
-/// is none. The driver manager must never see one: unixODBC aborts the
-/// process on a driver of separators only.
-std::string driverWithoutFile(std::string_view connect);
+/// Why the "Driver" values of `connect` cannot name a driver library:
+/// empty when they can (or there is none). A value that is blank or ends in
+/// a path separator names none, and the driver manager must never see it:
+/// unixODBC aborts the process on an empty driver it cannot look up and on a
+/// driver of separators only.
+std::string unusableDriver(std::string_view connect);
 
 }  // namespace vnt::db
