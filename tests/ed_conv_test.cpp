@@ -68,6 +68,7 @@ TEST_F(EdConv, ValueToTextByTypeAndMarker) {
         {"short by value", 2, nullptr, -7, 0, "-7"},
         {"short marker", 2, nullptr, 32484, 0, ""},
         {"short next to the marker", 2, nullptr, 32483, 0, "32483"},
+        {"short by value keeps the low 16 bits", 2, nullptr, 70000, 0, "4464"},
         {"long", 3, nullptr, 2147483647.0, 0, "2147483647"},
         {"long lowest", 3, &l32, 0, 0, "-2147483648"},
         {"long marker", 3, &e32, 0, 0, ""},
