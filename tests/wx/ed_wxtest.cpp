@@ -182,6 +182,8 @@ TEST_F(EdWx, TypingIsFilteredByType) {
         ed(r.row).SetSigned(r.sign);
         EXPECT_EQ(type(ed(r.row), r.keys, r.start, r.pos), r.text);
     }
+    ed(4).SetMaxLength(0);
+    EXPECT_EQ(type(ed(4), "xy"), "x") << "the type alone holds a character to one";
 }
 
 TEST_F(EdWx, PasteKeepsWhatTypingWouldTake) {
