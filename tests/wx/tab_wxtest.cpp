@@ -316,11 +316,28 @@ TEST_F(Tabs, TheEleventhPageIsRefusedAndLevelsAboveZeroGetNoTab) {
     frame->Destroy();
 }
 
-TEST_F(Tabs, EnterMovesOnAndIntoThePageArrowsMoveBetweenControls) {
+TEST_F(Tabs, EnterArrowsTheDroppedListAndTheFocusEachPageKeeps) {
     Form f;
     f.add(5201);
     f.add(5202);
     ASSERT_TRUE(f.setup());
+    // A page gets its focus and selection back; one seen the first time its first control.
+    auto* town = dynamic_cast<wxTextCtrl*>(f.ctl(0, 102));
+    town->ChangeValue("Hamburg-Altona");
+    town->SetFocus();
+    ASSERT_TRUE(focusIs(town));
+    town->SetSelection(3, 7);
+    pump(30);
+    key(WXK_PAGEDOWN, wxMOD_CONTROL);
+    ASSERT_EQ(f.tab().GetCurSel(), 1);
+    EXPECT_TRUE(focusIs(f.ctl(1, 201)));
+    key(WXK_PAGEUP, wxMOD_CONTROL);
+    ASSERT_EQ(f.tab().GetCurSel(), 0);
+    EXPECT_TRUE(focusIs(town));
+    pump(50);
+    long from = 0, to = 0;
+    town->GetSelection(&from, &to);
+    EXPECT_TRUE(from == 3 && to == 7) << from << ".." << to;
     // Controls by page and number; 0 is the notebook, -1 where the focus is.
     struct Row { const char* name; int page, from, code, to, beeps; };
     const Row rows[] = {
@@ -355,12 +372,8 @@ TEST_F(Tabs, EnterMovesOnAndIntoThePageArrowsMoveBetweenControls) {
     }
     EXPECT_EQ(f.tab().GetPage(0)->FocusStop(0)->GetPosition(), wxPoint(-100, -100));
     EXPECT_EQ(f.tab().GetPage(0)->FocusStop(1)->GetPosition(), wxPoint(-80, -80));
-}
-
-TEST_F(Tabs, WithTheComboListDroppedUpAndDownStayInTheList) {
-    Form f;
-    f.add(5201);
-    ASSERT_TRUE(f.setup());
+    // With the combo box's list dropped, Up and Down stay in the list.
+    ASSERT_TRUE(f.tab().GotoTab(0));
     auto* kind = dynamic_cast<wxComboBox*>(f.ctl(0, 104));
     ASSERT_NE(kind, nullptr);
     kind->SetFocus();
@@ -374,35 +387,10 @@ TEST_F(Tabs, WithTheComboListDroppedUpAndDownStayInTheList) {
     key(WXK_RETURN);
     EXPECT_TRUE(pumpUntil([&] { return VntTabViewBase::DroppedCombo() == nullptr; }, 1500)) << "closed up";
     EXPECT_EQ(kind->GetSelection(), 2) << "the keys moved in the list";
-    // Closed again, Down in an edit moves on as before.
     f.ctl(0, 101)->SetFocus();
     ASSERT_TRUE(focusIs(f.ctl(0, 101)));
     key(WXK_DOWN);
-    EXPECT_TRUE(focusIs(f.ctl(0, 102)));
-}
-
-TEST_F(Tabs, APageGetsItsFocusAndSelectionBack) {
-    Form f;
-    f.add(5201);
-    f.add(5202);
-    ASSERT_TRUE(f.setup());
-    auto* town = dynamic_cast<wxTextCtrl*>(f.ctl(0, 102));
-    town->ChangeValue("Hamburg-Altona");
-    town->SetFocus();
-    ASSERT_TRUE(focusIs(town));
-    town->SetSelection(3, 7);
-    pump(30);
-    key(WXK_PAGEDOWN, wxMOD_CONTROL);
-    ASSERT_EQ(f.tab().GetCurSel(), 1);
-    EXPECT_TRUE(focusIs(f.ctl(1, 201))) << "a page seen the first time: its first control";
-    key(WXK_PAGEUP, wxMOD_CONTROL);
-    ASSERT_EQ(f.tab().GetCurSel(), 0);
-    EXPECT_TRUE(focusIs(town));
-    pump(50);
-    long from = 0, to = 0;
-    town->GetSelection(&from, &to);
-    EXPECT_EQ(from, 3);
-    EXPECT_EQ(to, 7);
+    EXPECT_TRUE(focusIs(f.ctl(0, 102))) << "closed again, Down in an edit moves on";
 }
 
 TEST_F(Tabs, KeyboardRulesFollowTheActiveViewsAndStandAsideForDialogs) {
