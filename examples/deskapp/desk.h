@@ -97,9 +97,6 @@ public:
     long RecordNumber() const;
     MainFrame* Main() const { return main_; }
 
-protected:
-    void afterInitialUpdate() override;
-
 private:
     MainFrame* main_;
     std::string table_;

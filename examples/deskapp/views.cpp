@@ -309,21 +309,6 @@ bool DeskView::OpenSet() {
     return true;
 }
 
-void DeskView::afterInitialUpdate() {
-    // Typed fields made on the page that is visible from the start come out
-    // taller than the same fields on the other pages (GTK): they get the
-    // height of a plain text field.
-    if (VntTabDlg* first = m_tab.GetPage(0)) {
-        wxTextCtrl probe(first, wxID_ANY);
-        const int height = probe.GetBestSize().y;
-        probe.Hide();
-        for (wxWindow* c : first->GetChildren())
-            if (auto* e = dynamic_cast<VantoEd*>(c)) e->SetMinSize(wxSize(e->GetMinSize().x, height));
-        first->Layout();
-    }
-    VntTabRecView::afterInitialUpdate();
-}
-
 long DeskView::RecordNumber() const {
     long nr = 0;
     if (set_ && set_->IsOpen() && !set_->IsEOF()) set_->GetFieldValue("nr", nr);

@@ -66,6 +66,7 @@ bool CVantoEd::Create(wxWindow* parent, wxWindowID id, const wxPoint& pos, const
     style |= alignH_ == VNT_ED_ALIGN_RIGHT ? wxTE_RIGHT : alignH_ == VNT_ED_ALIGN_CENTER ? wxTE_CENTRE : wxTE_LEFT;
     if (borderStyle_ == 0) style |= wxBORDER_NONE;
     if (readOnly_ || displayOnly_) style |= wxTE_READONLY;
+    autoHeight_ = size.y <= 0;
     if (!wxTextCtrl::Create(parent, id, wxEmptyString, pos, size, style, wxDefaultValidator, name)) return false;
     Bind(wxEVT_CHAR, &CVantoEd::onChar, this);
     Bind(wxEVT_TEXT_PASTE, &CVantoEd::onPaste, this);
@@ -154,6 +155,19 @@ void CVantoEd::applyFont() {
     if (!GetHandle()) return;
     if (useFont_ && font_.IsOk()) wxTextCtrl::SetFont(font_);
     else if (GetParent()) wxTextCtrl::SetFont(GetParent()->GetFont());
+    pinHeight();
+}
+
+// GTK measures a field with its own colours taller once it is on the screen
+// (and only the fields of the page shown first get measured then), so a
+// field without a given height keeps that of a plain text field in its font.
+void CVantoEd::pinHeight() {
+    if (!autoHeight_ || !GetParent()) return;
+    wxTextCtrl probe;
+    probe.Hide();
+    if (!probe.Create(GetParent(), wxID_ANY)) return;
+    probe.SetFont(GetFont());
+    SetMinSize(wxSize(GetMinSize().x, probe.GetBestSize().y));
 }
 
 std::string CVantoEd::GetText() const { return fromWx(GetValue()); }

@@ -159,6 +159,23 @@ TEST_F(EdWx, XrcGivesTheProperties) {
     EXPECT_TRUE(box.shown.empty());
 }
 
+// A field without a given height is as tall as a plain text field, also
+// when it is made on a window already on the screen and has colours of its
+// own (GTK measures such a field taller once it is shown).
+TEST_F(EdWx, FieldsWithoutAHeightAreAsTallAsPlainText) {
+    auto* plain = new wxTextCtrl(dlg_, wxID_ANY);
+    auto* shown = new VantoEd;
+    shown->SetDisplayOnly(true);
+    ASSERT_TRUE(shown->Create(dlg_, wxID_ANY, wxDefaultPosition, wxSize(90, -1)));
+    auto* given = new VantoEd;
+    ASSERT_TRUE(given->Create(dlg_, wxID_ANY, wxDefaultPosition, wxSize(90, 40)));
+    pump(50);
+    shown->InvalidateBestSize();
+    EXPECT_EQ(shown->GetEffectiveMinSize().y, plain->GetEffectiveMinSize().y);
+    EXPECT_EQ(ed(8).GetEffectiveMinSize().y, plain->GetEffectiveMinSize().y) << "display-only, from the resource";
+    EXPECT_EQ(given->GetEffectiveMinSize().y, 40) << "a given height stays";
+}
+
 TEST_F(EdWx, TypingIsFilteredByType) {
     const struct { const char* name; int row; bool sign; const char* start; long pos; const char* keys, *text; } rows[] = {
         {"letters into an amount change nothing", 1, false, "", -1, "abcXYZ", ""},

@@ -170,6 +170,7 @@ protected:
 
 private:
     void onChar(wxKeyEvent& e);
+    void pinHeight();
     void onPaste(wxClipboardTextEvent& e);
 
     long type_ = VNT_ED_TEXT;
@@ -182,6 +183,7 @@ private:
     std::string dfltText_;
     short decPlaces_ = 2;
     short appearance_ = 1, borderStyle_ = 1;
+    bool autoHeight_ = true;  // no height given: that of a plain text field
     wxFont font_;
     unsigned long backColor_ = 0xFFFFFF, foreColor_ = 0;
 
