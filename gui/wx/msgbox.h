@@ -52,6 +52,8 @@ public:
     int ShowPlain(const VntPlainBox& box) override;
     /// The box on the screen now (null when none), for tests.
     MsgBoxDialog* Current() const { return current_; }
+    /// Forgets where the boxes of each level were: the next ones are centred again.
+    void ForgetPlaces() { pos_.fill(wxDefaultPosition); }
 
 private:
     std::array<wxPoint, 2> pos_{wxDefaultPosition, wxDefaultPosition};  // last place per level

@@ -41,6 +41,7 @@ public:
     std::vector<Step> steps;
     std::vector<VntBoxModel> boxes;      // every box 30061 shown
     std::vector<wxPoint> places;         // where each opened
+    std::vector<wxSize> sizes;           // and how big it was
     std::vector<int> plainAnswers;       // wxID_... of the platform boxes
     std::vector<std::string> plainTexts;
 
@@ -55,6 +56,7 @@ protected:
         if (auto* b = dynamic_cast<MsgBoxDialog*>(d)) {
             boxes.push_back(b->Model());
             places.push_back(b->GetPosition());
+            sizes.push_back(b->GetSize());
             if (next_ < steps.size()) {
                 Step s = steps[next_++];
                 wxTheApp->CallAfter([b, s] { s(*b); });
@@ -199,6 +201,7 @@ TEST_F(MsgBoxes, CheckBoxSwitchesTheMessageOff) {
 
 // The details page opens on level 2; a box raised while two are open is the platform's.
 TEST_F(MsgBoxes, SupportOpensTheDetailsPageOnLevelTwoAndTheThirdBoxIsThePlatformBox) {
+    vnt::wx::presenter()->ForgetPlaces();
     drive.steps = {pressButton(VNT_BTN_SUPPORT),
                    [](MsgBoxDialog& b) {
                        EXPECT_EQ(show("!Dritte"), VNT_RESP_NO);
@@ -210,7 +213,14 @@ TEST_F(MsgBoxes, SupportOpensTheDetailsPageOnLevelTwoAndTheThirdBoxIsThePlatform
     EXPECT_TRUE(drive.boxes[0].internalError && drive.boxes[0].level == 1);
     EXPECT_TRUE(drive.boxes[1].detailsMode && drive.boxes[1].level == 2);
     EXPECT_NE(drive.boxes[1].text.find("Msg/Probe"), std::string::npos) << drive.boxes[1].text;
-    EXPECT_NE(drive.places[1], drive.places[0]) << "level 2 does not cover level 1";
+    // The first box of each level is centred on the screen, the second level 30 pixels lower right.
+    const wxSize screen = wxGetDisplaySize();
+    for (int i : {0, 1}) {
+        const wxPoint centre = drive.places[i] - wxPoint(30, 30) * i +
+                               wxPoint(drive.sizes[i].x / 2, drive.sizes[i].y / 2);
+        EXPECT_LE(std::abs(centre.x - screen.x / 2) + std::abs(centre.y - screen.y / 2), 2)
+            << "level " << i + 1 << " at " << drive.places[i].x << "," << drive.places[i].y;
+    }
     EXPECT_EQ(drive.places[2], drive.places[0]);
     ASSERT_EQ(drive.plainTexts.size(), 1u);
     EXPECT_NE(drive.plainTexts[0].find("Interner Fehler!"), std::string::npos) << drive.plainTexts[0];
