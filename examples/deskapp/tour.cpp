@@ -444,7 +444,7 @@ void Tour::Run() {
              Vnt_FloatBetrag(&gross, vat, false, true);
              const wxString shown = dynamic_cast<VantoEd*>(page->FindWindow(313))->GetValue();
              pump(100);
-             shot("article-price");
+             dialogShot_ = shot("article-price");  // the step's picture: the view closes after it
              command(main_, kCmdDiscard);
              const bool clean = !articles->OnCheckDirty();
              command(main_, kCmdCloseView);
