@@ -94,7 +94,7 @@ TEST_F(Db, DriverNamingNoLibraryIsRefused) {
         {"Driver=lib\\", dir},        {"Driver={/x}}/}", dir},        {"Driver=", empty},
         {"Driver={};DSN=x", empty},  {"Driver=x;Driver= ;", empty}, {"Driver=T:\\", nullptr},
         {"X= {;Driver=/;}", dir},   {"Driver=/no/such/lib.so", nullptr}, {"DriverX=/;Driver=NoSuch", nullptr},
-        {"Driver={/x/}}};Y=1", nullptr},
+        {"Driver={/x/}}};Y=1", nullptr}, {"Driver={}S", empty},     {"Driver={/}x", dir},
     };
     for (const auto& r : rows) {
         box.shown.clear();

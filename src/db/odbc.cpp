@@ -242,11 +242,12 @@ std::string unusableDriver(std::string_view connect) {
         v = trim(v);
         std::string value;
         if (!v.empty() && v.front() == '{') {
-            v.remove_prefix(1);
-            if (!v.empty() && v.back() == '}') v.remove_suffix(1);
-            for (std::size_t i = 0; i < v.size(); ++i) {
+            // Up to the closing brace ("}}" is one "}"); what follows it
+            // before the ";" is ignored, by us and by the driver manager.
+            for (std::size_t i = 1; i < v.size(); ++i) {
+                if (v[i] == '}' && !(i + 1 < v.size() && v[i + 1] == '}')) break;
                 value += v[i];
-                if (v[i] == '}' && i + 1 < v.size() && v[i + 1] == '}') ++i;
+                if (v[i] == '}') ++i;
             }
         } else {
             value = v;
