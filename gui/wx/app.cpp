@@ -49,6 +49,7 @@ void Vnt_WxTerm() {
     s.undo.clear();
     s.ports.clear();
     s.presenter = nullptr;
+    s.plainHeights.clear();
     s.active = false;
 }
 

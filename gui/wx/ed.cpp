@@ -14,6 +14,7 @@
 #include "vanto/db.h"
 #include "vanto/locale.h"
 #include "vanto/ui/window.h"
+#include "wx_state.h"
 #include "wxtext.h"
 
 using vnt::wx::fromWx;
@@ -160,14 +161,22 @@ void CVantoEd::applyFont() {
 
 // GTK measures a field with its own colours taller once it is on the screen
 // (and only the fields of the page shown first get measured then), so a
-// field without a given height keeps that of a plain text field in its font.
+// field without a given height keeps that of a plain text field in its font
+// (measured once per font: a field made to measure costs as much as four
+// edit controls).
 void CVantoEd::pinHeight() {
     if (!autoHeight_ || !GetParent()) return;
-    wxTextCtrl probe;
-    probe.Hide();
-    if (!probe.Create(GetParent(), wxID_ANY)) return;
-    probe.SetFont(GetFont());
-    SetMinSize(wxSize(GetMinSize().x, probe.GetBestSize().y));
+    auto& heights = vnt::wx::state().plainHeights;
+    const wxString font = GetFont().GetNativeFontInfoDesc();
+    auto it = heights.find(font);
+    if (it == heights.end()) {
+        wxTextCtrl probe;
+        probe.Hide();
+        if (!probe.Create(GetParent(), wxID_ANY)) return;
+        probe.SetFont(GetFont());
+        it = heights.emplace(font, probe.GetBestSize().y).first;
+    }
+    SetMinSize(wxSize(GetMinSize().x, it->second));
 }
 
 std::string CVantoEd::GetText() const { return fromWx(GetValue()); }

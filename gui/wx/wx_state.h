@@ -2,8 +2,11 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <vector>
+
+#include <wx/string.h>
 
 class VntDlg;
 
@@ -17,6 +20,7 @@ struct WxState {
     std::vector<std::function<void()>> undo;    // puts back the ports they replaced
     VntDlg* activeDialog = nullptr;             // VntDlg::GetActiveDialog
     WxPresenter* presenter = nullptr;           // the message box presenter installed
+    std::map<wxString, int> plainHeights;       // a plain text field's height per font (VantoEd)
 };
 
 WxState& state();
