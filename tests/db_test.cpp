@@ -95,6 +95,7 @@ TEST_F(Db, DriverNamingNoLibraryIsRefused) {
         {"Driver={};DSN=x", empty},  {"Driver=x;Driver= ;", empty}, {"Driver=T:\\", nullptr},
         {"X= {;Driver=/;}", dir},   {"Driver=/no/such/lib.so", nullptr}, {"DriverX=/;Driver=NoSuch", nullptr},
         {"Driver={/x/}}};Y=1", nullptr}, {"Driver={}S", empty},     {"Driver={/}x", dir},
+        {"Driver=:", dir},           {"Driver=/:/", dir},           {"Driver=a:b", nullptr},
     };
     for (const auto& r : rows) {
         box.shown.clear();

@@ -253,7 +253,8 @@ std::string unusableDriver(std::string_view connect) {
             value = v;
         }
         if (trim(value).empty()) return "The connect string names an empty driver.";
-        if (value.back() == '/' || value.back() == '\\')
+        // libltdl also drops the ":" of a search path: "::" is no file either.
+        if (value.back() == '/' || value.back() == '\\' || value.find_first_not_of("/\\:") == std::string::npos)
             return "The driver '" + fromUtf8(value) + "' names a directory, not a driver library.";
         return {};
     };

@@ -39,8 +39,8 @@ void fromWide(const SQLWCHAR* text, std::size_t count, std::string& out);
 /// of the values as host paths, in UTF-8.
 std::string driverConnect(std::string_view connect);
 /// Why the "Driver" values of `connect` cannot name a driver library:
-/// empty when they can (or there is none). A value that is blank or ends in
-/// a path separator names none, and the driver manager must never see it:
+/// empty when they can (or there is none). A value that is blank, ends in a
+/// path separator or holds nothing but separators and ":" names none, and the driver manager must never see it:
 /// unixODBC aborts the process on an empty driver it cannot look up and on a
 /// driver of separators only.
 std::string unusableDriver(std::string_view connect);
