@@ -68,7 +68,7 @@ using VNT_RESP = long;
 inline constexpr VNT_RESP VNT_RESP_OK = 1;
 inline constexpr VNT_RESP VNT_RESP_CANCEL = 2;
 inline constexpr VNT_RESP VNT_RESP_NO = 7;
-inline constexpr VNT_RESP VNT_RESP_FAIL = -1;
+inline constexpr VNT_RESP VNT_RESP_ERROR = -1;
 
 /// A loaded module of the application (a module library, or null for the
 /// program itself): the owner of a string table (see VntRes in vanto/msg.h).

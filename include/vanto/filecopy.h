@@ -134,9 +134,9 @@ private:
 
     void _init_(int objectSize, int procTableSize, VntStat* stat, long title);
     VntStat* makeDialog();
-    bool showFile(const char* source, const char* target, bool skipped, std::uint32_t bytes);
+    bool do_progress(const char* source, const char* target, bool skipped, std::uint32_t bytes);
     struct OneCopy;  // the files of one copy under way
-    std::uint32_t copyOne(const char* source, const char* target);
+    std::uint32_t do_copy(const char* source, const char* target);
     bool keepTarget(const char* source, const char* target, bool& ontoItself);
     bool openFiles(OneCopy& c, const char* source, const char* target);
     bool copyData(OneCopy& c, const char* target);

@@ -157,7 +157,7 @@ std::uint32_t VntFileCopy::Copy(const char* source, const char* target) {
         stat_ = singleStat_ = makeDialog();
         if (!stat_) return 0;
     }
-    const std::uint32_t result = copyOne(src, dst);
+    const std::uint32_t result = do_copy(src, dst);
     if (singleStat_) {
         delete singleStat_;
         if (stat_ == singleStat_) stat_ = nullptr;
@@ -185,7 +185,7 @@ struct VntFileCopy::OneCopy {
     }
 };
 
-std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
+std::uint32_t VntFileCopy::do_copy(const char* src, const char* dst) {
     OneCopy c;
     if (keepTarget(src, dst, c.ontoItself) || treeMode_ != TM_COPY) return length_;
     c.buf.reset(new (std::nothrow) char[kChunk]);
@@ -198,7 +198,7 @@ std::uint32_t VntFileCopy::copyOne(const char* src, const char* dst) {
         error_ = VNT_FC_OK;
         c.bytes = 0;
         if (openFiles(c, src, dst)) {
-            if (!showFile(src, dst, false, 0)) break;
+            if (!do_progress(src, dst, false, 0)) break;
             done = copyData(c, dst);
             if (done || error_ == VNT_FC_CANCEL) break;  // no question after a cancel
         }
@@ -224,7 +224,7 @@ bool VntFileCopy::keepTarget(const char* src, const char* dst, bool& ontoItself)
     targetTime_ = static_cast<std::uint32_t>(Vnt_LfnFileDateTime());
     if (overwrite_ == OW_NEVER || (overwrite_ == OW_IFNOTNEWER && targetTime_ > sourceTime_)) {
         error_ = VNT_FC_SKIPPED;
-        if (!(treeMode_ & 1)) showFile(src, dst, true, 0);
+        if (!(treeMode_ & 1)) do_progress(src, dst, true, 0);
         return true;
     }
     return false;
@@ -314,7 +314,7 @@ bool VntFileCopy::askRetry(OneCopy& c, const char* src, const char* dst) {
     return r != VNT_RESP_CANCEL && r != VNT_RESP_NO && !missing;
 }
 
-bool VntFileCopy::showFile(const char* source, const char* target, bool skipped, std::uint32_t bytes) {
+bool VntFileCopy::do_progress(const char* source, const char* target, bool skipped, std::uint32_t bytes) {
     if (!stat_) return false;
     // In the "for all" mode the dialog counts the bytes of the whole run.
     if (!forAll_) stat_->SetCount(length_, 0);
@@ -415,7 +415,7 @@ bool VntFileCopy::walk(const char* dir) {
             // A scan shows each file as it goes and can be cancelled between
             // files.
             length_ = static_cast<std::uint32_t>(length);
-            if (!showFile(found, target, false, 0)) {
+            if (!do_progress(found, target, false, 0)) {
                 ok = false;
                 break;
             }

@@ -230,7 +230,7 @@ VNT_RESP showOnLevel(const Request& req, Slot& slot, int level) {
         if (!Vnt_UiPresenter().Show(m, answer)) {
             VntPlainBox plain{kText302, kTitle302, 48};
             Vnt_UiPresenter().ShowPlain(plain);
-            result = VNT_RESP_FAIL;
+            result = VNT_RESP_ERROR;
             break;
         }
         if (answer.button == VNT_BTN_HELP && hasButton(m, VNT_BTN_HELP)) {
@@ -294,7 +294,7 @@ VNT_RESP plainBox(const char* format, va_list* args, bool fixedAnswer) {
     }
     plain.type = buttons | pre.iconBits;
     const int pressed = Vnt_UiPresenter().ShowPlain(plain);
-    if (pressed == 0) return VNT_RESP_FAIL;
+    if (pressed == 0) return VNT_RESP_ERROR;
     if (fixedAnswer) return buttons == 1 || buttons == 2 || buttons == 3 || buttons == 5 ? VNT_RESP_CANCEL : VNT_RESP_NO;
     return mapAnswer(pressed, buttons == 4);
 }

@@ -168,6 +168,23 @@ public:
     virtual void pub_reserved_func4() {}
     virtual void pub_reserved_func5() {}
 
+protected:
+    virtual void prot_reserved_func0_1() {}
+    virtual void prot_reserved_func0_2() {}
+    virtual void prot_reserved_func0_3() {}
+    virtual void prot_reserved_func0_4() {}
+    virtual void prot_reserved_func0_5() {}
+    virtual void prot_reserved_func1_1() {}
+    virtual void prot_reserved_func1_2() {}
+    virtual void prot_reserved_func1_3() {}
+    virtual void prot_reserved_func1_4() {}
+    virtual void prot_reserved_func1_5() {}
+    virtual void prot_reserved_func2_1() {}
+    virtual void prot_reserved_func2_2() {}
+    virtual void prot_reserved_func2_3() {}
+    virtual void prot_reserved_func2_4() {}
+    virtual void prot_reserved_func2_5() {}
+
 private:
     friend class VntTab;
     void onFocusStop(wxFocusEvent& e);
