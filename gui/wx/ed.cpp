@@ -71,6 +71,9 @@ bool CVantoEd::Create(wxWindow* parent, wxWindowID id, const wxPoint& pos, const
     if (!wxTextCtrl::Create(parent, id, wxEmptyString, pos, size, style, wxDefaultValidator, name)) return false;
     Bind(wxEVT_CHAR, &CVantoEd::onChar, this);
     Bind(wxEVT_TEXT_PASTE, &CVantoEd::onPaste, this);
+    // A new theme or resolution gives plain fields another height.
+    Bind(wxEVT_SYS_COLOUR_CHANGED, &CVantoEd::onLookChanged, this);
+    Bind(wxEVT_DPI_CHANGED, &CVantoEd::onLookChanged, this);
     if (maxLength_ > 0) wxTextCtrl::SetMaxLength(static_cast<unsigned long>(maxLength_));
     applyColors();
     applyFont();
@@ -177,6 +180,12 @@ void CVantoEd::pinHeight() {
         it = heights.emplace(font, probe.GetBestSize().y).first;
     }
     SetMinSize(wxSize(GetMinSize().x, it->second));
+}
+
+void CVantoEd::onLookChanged(wxEvent& e) {
+    vnt::wx::state().plainHeights.clear();
+    pinHeight();
+    e.Skip();
 }
 
 std::string CVantoEd::GetText() const { return fromWx(GetValue()); }

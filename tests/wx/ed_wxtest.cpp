@@ -11,6 +11,7 @@
 #include <wx/uiaction.h>
 
 #include "cal/odbc_timestamp.h"
+#include "wx_state.h"
 #include "vanto/db.h"
 #include "vanto/locale.h"
 #include "vanto/ui/msgbox.h"
@@ -174,6 +175,16 @@ TEST_F(EdWx, FieldsWithoutAHeightAreAsTallAsPlainText) {
     EXPECT_EQ(shown->GetEffectiveMinSize().y, plain->GetEffectiveMinSize().y);
     EXPECT_EQ(ed(8).GetEffectiveMinSize().y, plain->GetEffectiveMinSize().y) << "display-only, from the resource";
     EXPECT_EQ(given->GetEffectiveMinSize().y, 40) << "a given height stays";
+
+    // A height learnt before the theme changed is measured anew.
+    for (auto& entry : vnt::wx::state().plainHeights) entry.second = 5;
+    auto* late = new VantoEd;
+    ASSERT_TRUE(late->Create(dlg_, wxID_ANY, wxDefaultPosition, wxSize(90, -1)));
+    ASSERT_EQ(late->GetMinSize().y, 5) << "the remembered height serves";
+    wxSysColourChangedEvent changed;
+    late->GetEventHandler()->ProcessEvent(changed);
+    EXPECT_EQ(late->GetMinSize().y, plain->GetEffectiveMinSize().y);
+    EXPECT_NE(vnt::wx::state().plainHeights.begin()->second, 5);
 }
 
 TEST_F(EdWx, TypingIsFilteredByType) {

@@ -171,6 +171,7 @@ protected:
 private:
     void onChar(wxKeyEvent& e);
     void pinHeight();
+    void onLookChanged(wxEvent& e);
     void onPaste(wxClipboardTextEvent& e);
 
     long type_ = VNT_ED_TEXT;
