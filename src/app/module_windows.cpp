@@ -241,7 +241,8 @@ bool Vnt__AppModCheckVer(const char* sourceFile, int line, const char* file, uns
     if (lib) {
         std::size_t size = 0;
         const void* block = vnt::host::moduleSymbol(lib, VNT_APP_MODVERSION_SYMBOL, &size);
-        if (block == nullptr || MOD_IE(size != sizeof(VNT_APP_MODVERSION), 13)) {
+        // A size of 0 is one the host cannot tell (Win32 exports carry none).
+        if (block == nullptr || MOD_IE(size != 0 && size != sizeof(VNT_APP_MODVERSION), 13)) {
             vnt::host::moduleClose(lib);
             return false;
         }

@@ -4,7 +4,7 @@
 #pragma once
 
 #if __has_include(<sqltypes.h>)
-#include <sqltypes.h>
+#include "host/sql.h"
 #else
 #include <cstdint>
 

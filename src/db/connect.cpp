@@ -335,7 +335,7 @@ std::string Vnt_AppConnGet() { return isOpen() ? st().connection->GetConnectRaw(
 
 std::string Vnt_AppConnGet(const char* saved) {
     if (!saved || !*saved || !std::strchr(saved + 1, '\n')) return "";
-    return std::string(saved, std::strchr(saved, '\n'));
+    return std::string(saved, std::strcspn(saved, "\n"));
 }
 
 std::string Vnt_AppConnGetDsn(const char* saved) {

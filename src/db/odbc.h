@@ -3,8 +3,7 @@
 // strings.
 #pragma once
 
-#include <sql.h>
-#include <sqlext.h>
+#include "host/sql.h"
 
 #include <string>
 #include <string_view>

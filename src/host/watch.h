@@ -19,6 +19,12 @@ struct FileStamp {
 /// The stamp of a host path; a missing or unreadable name gives {}.
 FileStamp fileStamp(const std::string& hostPath);
 
+/// The directory and the last name of a host path, in the host's own
+/// grammar: "/a/b.ini" => "/a", "b.ini"; "/b.ini" => "/", "b.ini";
+/// "b.ini" => ".", "b.ini"; on Win32 "C:\a\b.ini" => "C:\a", "b.ini" and
+/// "C:\b.ini" => "C:\", "b.ini".
+void hostPathSplit(const std::string& hostPath, std::string& dir, std::string& base);
+
 /// Starts watching the host directory for files there being written,
 /// created, removed or moved in or out. Returns a watch id above 0 (the same
 /// id for a directory already watched), or 0 when the host cannot notify

@@ -188,11 +188,10 @@ bool load(Cached& c, const char* file) {
         return false;
     }
     c.host = hostPath;
-    std::size_t slash = hostPath.rfind('/');
-    c.base = slash == std::string::npos ? hostPath : hostPath.substr(slash + 1);
+    std::string dir;
+    host::hostPathSplit(hostPath, dir, c.base);
     c.watch = 0;
-    if (st.notify && cacheable(file))
-        c.watch = host::watchDir(slash == std::string::npos ? "." : slash == 0 ? "/" : hostPath.substr(0, slash));
+    if (st.notify && cacheable(file)) c.watch = host::watchDir(dir);
     if (c.watch == 0) c.stamp = host::fileStamp(hostPath);
     std::string data;
     bool missing = false;

@@ -56,6 +56,8 @@ std::string readSource(const std::string& path) {
 int main(int argc, char** argv) {
     CLI::App app{"Compiles a message library source (UTF-8) into a .vtm message library file.\n"
                  "The source format is described in vtm-source.md, installed in " VANTO_DOC_DIR "."};
+    // A path such as "/tmp/x" is a path, not a Windows-style "/option".
+    app.allow_windows_style_options(false);
     std::string source;
     std::string output;
     app.add_option("SOURCE", source, "source file (UTF-8)")->required();

@@ -265,6 +265,8 @@ int cmdDecompile(const std::string& file) {
 int main(int argc, char** argv) {
     CLI::App app{"Looks into message library files (.vtm) through the library's reader.\n"
                  "Texts are printed in UTF-8 with control characters and backslashes escaped as in C."};
+    // A path such as "/tmp/x" is a path, not a Windows-style "/option".
+    app.allow_windows_style_options(false);
     app.require_subcommand(1);
 
     std::string file, segment, sysFile;

@@ -4,6 +4,12 @@
 
 #include <cerrno>
 #include <cstdio>
+#if defined(_WIN32)
+#include <fcntl.h>
+#include <io.h>
+#include <share.h>
+#include <sys/stat.h>
+#endif
 #include <cstring>
 #include <limits>
 #include <random>
@@ -243,6 +249,27 @@ std::vector<unsigned char> writeContainer(const Container& box) {
     return out;
 }
 
+namespace {
+// Opens a path in the system's own form (UTF-16 on Windows, where a narrow
+// name would go through the ANSI code page). `exclusive` creates a new
+// file for writing and fails where one exists.
+std::FILE* openPath(const std::filesystem::path& path, bool write, bool exclusive) {
+#if defined(_WIN32)
+    if (exclusive) {
+        int fd = -1;
+        if (_wsopen_s(&fd, path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY, _SH_DENYNO, _S_IREAD | _S_IWRITE) != 0)
+            return nullptr;
+        std::FILE* f = _fdopen(fd, "wb");
+        if (f == nullptr) _close(fd);
+        return f;
+    }
+    return _wfopen(path.c_str(), write ? L"wb" : L"rb");
+#else
+    return std::fopen(path.c_str(), exclusive ? "wbx" : write ? "wb" : "rb");
+#endif
+}
+}  // namespace
+
 // Writes into "<name>.<random>.tmp" beside the target, then renames. The
 // temporary name is created exclusively ("x"), so two writers never share one.
 void writeFileAtomic(const std::filesystem::path& path, const std::vector<unsigned char>& bytes) {
@@ -258,7 +285,7 @@ void writeFileAtomic(const std::filesystem::path& path, const std::vector<unsign
         suffix += ".tmp";
         tmp = path;
         tmp += suffix;
-        f = std::fopen(tmp.c_str(), "wbx");
+        f = openPath(tmp, true, true);
         if (f == nullptr && errno != EEXIST) break;
     }
     if (f == nullptr) {
@@ -283,7 +310,7 @@ void writeFileAtomic(const std::filesystem::path& path, const std::vector<unsign
 }
 
 std::string readFile(const std::filesystem::path& path) {
-    std::FILE* f = std::fopen(path.c_str(), "rb");
+    std::FILE* f = openPath(path, false, false);
     if (f == nullptr) {
         std::error_code ec(errno, std::generic_category());
         throw std::runtime_error("cannot read '" + path.string() + "': " + ec.message());

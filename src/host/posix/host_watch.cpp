@@ -41,6 +41,12 @@ FileStamp fileStamp(const std::string& hostPath) {
     return s;
 }
 
+void hostPathSplit(const std::string& hostPath, std::string& dir, std::string& base) {
+    const std::size_t slash = hostPath.rfind('/');
+    dir = slash == std::string::npos ? "." : slash == 0 ? "/" : hostPath.substr(0, slash);
+    base = slash == std::string::npos ? hostPath : hostPath.substr(slash + 1);
+}
+
 #if defined(__linux__)
 
 int watchDir(const std::string& hostDir) {
