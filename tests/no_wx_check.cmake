@@ -1,16 +1,23 @@
 # The core library links no window system: LIB's dynamic section names no
 # wx or GTK library, and no source of the core (SRC/src, SRC/include/vanto
 # outside wx/) includes a wx header.
-execute_process(COMMAND readelf -d "${LIB}" RESULT_VARIABLE rc OUTPUT_VARIABLE dyn ERROR_VARIABLE err)
-if(NOT rc EQUAL 0)
-  message(FATAL_ERROR "readelf failed on ${LIB}: ${err}")
+# A Windows DLL (OBJDUMP given) names its DLLs in its import table.
+if(OBJDUMP)
+  execute_process(COMMAND "${OBJDUMP}" -p "${LIB}" RESULT_VARIABLE rc OUTPUT_VARIABLE dyn ERROR_VARIABLE err)
+  set(_needed_re "DLL Name: [^\n]*")
+else()
+  execute_process(COMMAND readelf -d "${LIB}" RESULT_VARIABLE rc OUTPUT_VARIABLE dyn ERROR_VARIABLE err)
+  set(_needed_re "\\(NEEDED\\)[^\n]*")
 endif()
-string(REGEX MATCHALL "\\(NEEDED\\)[^\n]*" needed "${dyn}")
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "reading the imports of ${LIB} failed: ${err}")
+endif()
+string(REGEX MATCHALL "${_needed_re}" needed "${dyn}")
 if(NOT needed)
   message(FATAL_ERROR "no NEEDED entries read from ${LIB}")
 endif()
 foreach(n IN LISTS needed)
-  if(n MATCHES "libwx|gtk|gdk|libX11")
+  if(n MATCHES "libwx|wxmsw|wxbase|gtk|gdk|libX11")
     message(FATAL_ERROR "the core library links a window system: ${n}")
   endif()
 endforeach()

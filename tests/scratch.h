@@ -31,6 +31,17 @@ inline ScratchList& scratchList() {
 }
 }  // namespace detail
 
+/// A host path in the form the library's host functions take: UTF-8 (on
+/// Windows `string()` would give the ANSI code page).
+inline std::string hostStr(const std::filesystem::path& p) {
+#if defined(_WIN32)
+    const std::u8string s = p.u8string();
+    return std::string(s.begin(), s.end());
+#else
+    return p.string();
+#endif
+}
+
 /// `<temp>/<prefix><suite>_<test>_<pid>`, emptied; removed at the latest
 /// when the process ends.
 inline std::filesystem::path scratchDir(const std::string& prefix) {

@@ -16,6 +16,7 @@
 #include "vanto/ini.h"
 #include "vanto/lfn.h"
 #include "vtmtool/vtm_writer.h"
+#include "scratch.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -29,7 +30,7 @@ namespace vnt::test {
 /// The library's name of host path `p`, or "(not mappable)".
 inline std::string libPath(const std::filesystem::path& p) {
     VNT_PATH b{};
-    return Vnt_LfnFromHost(b, p.c_str()) ? b : "(not mappable)";
+    return Vnt_LfnFromHost(b, hostStr(p).c_str()) ? b : "(not mappable)";
 }
 
 /// The bytes of file `p`, or "(missing)" when it cannot be read.
