@@ -47,7 +47,7 @@ protected:
         dir_ = fs::temp_directory_path() / ("vanto_caldate_" + std::to_string(std::random_device{}()));
         fs::create_directories(dir_);
         VNT_PATH b{};
-        ASSERT_TRUE(Vnt_LfnFromHost(b, (dir_ / "Fibu").c_str()));
+        ASSERT_TRUE(Vnt_LfnFromHost(b, vnt::test::hostStr(dir_ / "Fibu").c_str()));
         vnt::host::setProgramFile(b);
         ASSERT_TRUE(Vnt_LfnFromHost(b, VANTO_SYSLIB_EN) && Vnt_MsgItfInit(nullptr, 0, b));
         vnt::host::setClock(&kNow);

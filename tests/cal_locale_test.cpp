@@ -171,6 +171,27 @@ TEST_F(Locale, GermanAndAmericanRecords) {
     EXPECT_TRUE(boxes_.shown.empty());
 }
 
+#if defined(_WIN32)
+// The Win32 host reads the user's regional settings. Wine gives en-US
+// unless started with LC_ALL set; either way the values have the forms
+// the library parses.
+TEST(HostIntl, RegionalSettings) {
+    const auto value = [](const char* key) { std::string v; return vnt::host::intlValue(key, v) ? v : "<none>"; };
+    const std::string lang = value("sLanguage"), date = value("sShortDate"), dec = value("sDecimal");
+    EXPECT_EQ(lang.size(), 3u) << lang;
+    EXPECT_TRUE(dec == "." || dec == ",") << dec;
+    EXPECT_NE(date.find_first_of("dMy"), std::string::npos) << date;
+    EXPECT_GT(std::atoi(value("iCountry").c_str()), 0);
+    EXPECT_EQ(value("sNoSuchKey"), "<none>");
+    if (lang == "ENU") {
+        EXPECT_EQ(value("sDecimal") + value("sThousand") + value("iCountry"), ".,1");
+    }
+    if (lang == "DEU") {
+        EXPECT_EQ(value("sDecimal") + value("sThousand") + value("iCountry"), ",.49");
+    }
+    EXPECT_GE(vnt::host::osVersion(), 501u);
+}
+#else
 // The host reads the locale environment; names of locales that are not
 // installed fall back to the common conventions.
 class HostIntl : public ::testing::Test {
@@ -259,5 +280,6 @@ TEST_F(HostIntl, InstalledLocale) {
     fs::remove_all(dir, ec);
 }
 #endif
+#endif  // _WIN32
 
 }  // namespace

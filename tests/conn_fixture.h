@@ -33,7 +33,7 @@ protected:
         resetAll();
         dir_ = scratchDir("vanto_db_");
         std::filesystem::create_directories(dir_ / "INI");
-        ASSERT_TRUE(Vnt_LfnVolMap('T', dir_.c_str()));
+        ASSERT_TRUE(Vnt_LfnVolMap('T', vnt::test::hostStr(dir_).c_str()));
         vnt::host::setProgramFile("T:\\Fibu");
         oldBox_ = Vnt_UiSetPresenter(&box);
         VNT_PATH sys;

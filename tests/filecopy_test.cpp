@@ -37,7 +37,7 @@ protected:
         base_ = vnt::test::scratchDir("vanto_fcopy_");
         fs::remove_all(base_);
         fs::create_directories(base_ / "src"), fs::create_directories(base_ / "dst");
-        ASSERT_TRUE(Vnt_LfnVolMap('T', base_.c_str()));
+        ASSERT_TRUE(Vnt_LfnVolMap('T', vnt::test::hostStr(base_).c_str()));
         VNT_PATH sys;
         ASSERT_TRUE(Vnt_LfnFromHost(sys, VANTO_SYSLIB_EN) && Vnt_MsgItfInit(nullptr, 0, sys));
         sys_ = Vnt_MsgHInit();  // held open, so that the faults below meet the copy, not the library

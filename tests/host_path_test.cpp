@@ -35,7 +35,7 @@ protected:
         fs::create_directories(root_ / "Daten" / "Mandant1");
         std::ofstream(root_ / "Daten" / "Mandant1" / "File.TXT") << "0123456789";
         reset();
-        ASSERT_TRUE(volMap('T', root_.c_str()));
+        ASSERT_TRUE(volMap('T', vnt::test::hostStr(root_).c_str()));
     }
     void TearDown() override {
         fs::current_path(savedCwd_);
@@ -97,9 +97,9 @@ TEST_F(HostTest, ConversionsRefuse) {
     ASSERT_TRUE(volUnmap('T') && volUnmap('Z'));
     EXPECT_FALSE(toHost("T:\\Daten", out) || fromHost("/usr", out) || volUnmap('T'));
     // Mapping: a letter, an existing directory; a directory that goes is no volume any more.
-    EXPECT_FALSE(volMap('1', root_.c_str()) || volMap('Q', (root_ / "missing").c_str()) ||
-                 volMap('Q', (root_ / "Daten" / "Mandant1" / "File.TXT").c_str()));
-    ASSERT_TRUE(volMap('Q', (root_ / "Daten").c_str()) && volKnown('Q'));
+    EXPECT_FALSE(volMap('1', vnt::test::hostStr(root_).c_str()) || volMap('Q', vnt::test::hostStr(root_ / "missing").c_str()) ||
+                 volMap('Q', vnt::test::hostStr(root_ / "Daten" / "Mandant1" / "File.TXT").c_str()));
+    ASSERT_TRUE(volMap('Q', vnt::test::hostStr(root_ / "Daten").c_str()) && volKnown('Q'));
     fs::rename(root_ / "Daten", root_ / "Moved");
     EXPECT_FALSE(volKnown('Q'));
 }
@@ -110,7 +110,7 @@ TEST_F(HostTest, FromHostTakesTheLongestMapping) {
     EXPECT_EQ(std::string(big), (root_ / "Daten").string());
     VNT_PATH lib;
     EXPECT_TRUE(Vnt_LfnFromHost(lib, big) && std::string(lib) == "T:\\Daten") << lib;
-    ASSERT_TRUE(volMap('D', (root_ / "Daten").c_str()));
+    ASSERT_TRUE(volMap('D', vnt::test::hostStr(root_ / "Daten").c_str()));
     const std::pair<fs::path, const char*> rows[] = {
         {root_ / "x.vtm", "T:\\x.vtm"}, {root_, "T:\\"}, {"/usr//lib/./x/../y", "Z:\\usr\\lib\\y"},
         {root_ / "Daten" / "M\u00FCller", "D:\\M\xFCller"},
@@ -118,13 +118,13 @@ TEST_F(HostTest, FromHostTakesTheLongestMapping) {
     };
     for (const auto& [hostPath, want] : rows) {
         std::string lib;
-        EXPECT_TRUE(fromHost(hostPath.c_str(), lib) && lib == want) << hostPath << " gave " << lib;
+        EXPECT_TRUE(fromHost(vnt::test::hostStr(hostPath).c_str(), lib) && lib == want) << hostPath << " gave " << lib;
     }
 }
 
 TEST_F(HostTest, EachVolumeRemembersItsDirectory) {
     fs::create_directories(root_ / "other" / "sub");
-    ASSERT_TRUE(volMap('S', (root_ / "other").c_str()));
+    ASSERT_TRUE(volMap('S', vnt::test::hostStr(root_ / "other").c_str()));
     EXPECT_EQ(volCurDir('S') + "|" + volCurDir('Q'), "S:\\|");
     ASSERT_TRUE(setCurDir("S:\\sub") && setCurDir("T:\\daten"));
     EXPECT_EQ(curDir() + "|" + volCurDir('S'), "T:\\daten|S:\\sub");
@@ -207,7 +207,7 @@ TEST(ProgramNames, FileDirectoryAndName) {
     fs::create_directories(dir);
     std::ofstream(junk) << "no library";
     std::string junkLib;
-    ASSERT_TRUE(fromHost(junk.c_str(), junkLib));
+    ASSERT_TRUE(fromHost(vnt::test::hostStr(junk).c_str(), junkLib));
     EXPECT_EQ(moduleLoad(junkLib.c_str()), nullptr);
     EXPECT_EQ(lastError().kind, ErrorKind::NotLoadable) << moduleError();
     fs::remove_all(dir);

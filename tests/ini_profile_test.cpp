@@ -38,7 +38,7 @@ protected:
         fs::create_directories(dir_);
         host_ = dir_ / "Test.ini";
         char s[VNT_MAX_PATH] = {};
-        ASSERT_TRUE(Vnt_LfnFromHost(s, host_.c_str()));
+        ASSERT_TRUE(Vnt_LfnFromHost(s, vnt::test::hostStr(host_).c_str()));
         file_ = s;
     }
     void TearDown() override {
@@ -88,7 +88,7 @@ TEST_F(Profile, ReadsFollowTheFileModel) {
     EXPECT_EQ(get("None", nullptr), "");
     // A name relative to the current directory is read afresh each time.
     char dir[VNT_MAX_PATH] = {};
-    ASSERT_TRUE(Vnt_LfnFromHost(dir, dir_.c_str()));
+    ASSERT_TRUE(Vnt_LfnFromHost(dir, vnt::test::hostStr(dir_).c_str()));
     ASSERT_TRUE(vnt::host::setCurDir(dir));
     char buf[8];
     EXPECT_EQ(Vnt_ProfileGetString("dup", "k", "", buf, sizeof buf, "test.ini"), 1u);

@@ -29,7 +29,7 @@ protected:
         for (const char* dir : {"t/a/b", "t/Data", "u/sub"}) fs::create_directories(base_ / dir);
         std::ofstream(base_ / "t" / "file.txt") << "x";
         vnt::host::reset(), vnt::lfn::resetState();
-        ASSERT_TRUE(Vnt_LfnVolMap('T', (base_ / "t").c_str()) && Vnt_LfnVolMap('U', (base_ / "u").c_str()));
+        ASSERT_TRUE(Vnt_LfnVolMap('T', vnt::test::hostStr(base_ / "t").c_str()) && Vnt_LfnVolMap('U', vnt::test::hostStr(base_ / "u").c_str()));
         home();
     }
     // U remembers "U:\sub"; T is current at "T:\a".

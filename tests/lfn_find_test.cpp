@@ -40,7 +40,7 @@ protected:
         for (const char* f : {"a/file2.TXT", "a/readme", "a/.dot.txt", "a/b/inner.dat", "prog/Fibu", "prog/only.ini"})
             std::ofstream(base_ / "t" / f) << "";
         std::ofstream(base_ / "t/a/File1.txt") << "12345";
-        ASSERT_TRUE(Vnt_LfnVolMap('T', (base_ / "t").c_str()) && Vnt_LfnDirSet(R"(T:\a)"));
+        ASSERT_TRUE(Vnt_LfnVolMap('T', vnt::test::hostStr(base_ / "t").c_str()) && Vnt_LfnDirSet(R"(T:\a)"));
         vnt::host::setProgramFile(R"(T:\prog\Fibu)");
         Vnt_UiSetPresenter(&box), Vnt_UiSetFileDialog(&dlg);
     }
@@ -137,7 +137,7 @@ TEST_F(LfnFind, ProgramDirectoryAndVariable) {
     fs::create_directories(base_ / "t/lib");
     std::ofstream(base_ / "t/lib/extra.dll") << "";
     const std::string value = R"(T:\nowhere;)" + (base_ / "t/lib").string();
-    ASSERT_EQ(::setenv("VANTO_LFNFIND_PATH", value.c_str(), 1), 0);
+    vnt::test::setEnv("VANTO_LFNFIND_PATH", value);
     struct Row { const char *var, *name, *found; };  // no var: Vnt_LfnFileFind
     const Row rows[] = {
         {nullptr, "only.ini", R"(T:\prog\only.ini)"},  // the program's directory is the second try
@@ -153,7 +153,7 @@ TEST_F(LfnFind, ProgramDirectoryAndVariable) {
         EXPECT_EQ(ok ? std::string(buf) : "(none)", r.found ? r.found : "(none)") << r.name;
     }
     EXPECT_FALSE(Vnt_LfnDirFind("only.ini"));
-    ::unsetenv("VANTO_LFNFIND_PATH");
+    vnt::test::unsetEnv("VANTO_LFNFIND_PATH");
 }
 
 TEST_F(LfnFind, CreateAndRemoveChains) {
@@ -250,7 +250,7 @@ TEST_F(LfnFind, Volumes) {
         for (const VNT_PATH* v = Vnt_LfnVolList(); (*v)[0] != '\0'; ++v) out.emplace_back(*v);
         return out;
     };
-    ASSERT_TRUE(Vnt_LfnVolMap('C', (base_ / "t/a").c_str()));
+    ASSERT_TRUE(Vnt_LfnVolMap('C', vnt::test::hostStr(base_ / "t/a").c_str()));
     EXPECT_THAT(list(), ElementsAre("C:", "T:", "Z:"));
     Vnt_LfnVolUnmap('C');
     EXPECT_THAT(list(), ElementsAre("T:", "Z:"));

@@ -178,7 +178,7 @@ TEST_F(MsgTextTest, SystemLibrarySearch) {
         {"damaged_ends_the_search", "BAD ENV DE", "C", nullptr}};
     const char* oldLocale = std::getenv("LC_ALL");
     const std::string keep = oldLocale ? oldLocale : "";
-    ::setenv(vnt::msg::kSysLibDirVariable, env.c_str(), 1);
+    vnt::test::setEnv(vnt::msg::kSysLibDirVariable, env.c_str());
     for (const Row& r : rows) {
         SCOPED_TRACE(r.name);
         for (const auto& [word, path] : places) {
@@ -188,7 +188,7 @@ TEST_F(MsgTextTest, SystemLibrarySearch) {
             if (std::strstr(r.placed, word)) writeLib(path / "VNT60LIB.VTM", sys);
         }
         if (std::strstr(r.placed, "BAD")) std::ofstream(prog / "VNT60LIB.VTM") << std::string(300, 'x');
-        ::setenv("LC_ALL", r.locale, 1);
+        vnt::test::setEnv("LC_ALL", r.locale);
         restart(false);
         Vnt_UiSetPresenter(&box_);
         Vnt_MsgItfInit(nullptr, 0, nullptr);
@@ -210,8 +210,8 @@ TEST_F(MsgTextTest, SystemLibrarySearch) {
                                libPath(share / language / "VNT60LIB.VTM")});
         }
     }
-    ::unsetenv(vnt::msg::kSysLibDirVariable);
-    oldLocale ? ::setenv("LC_ALL", keep.c_str(), 1) : ::unsetenv("LC_ALL");
+    vnt::test::unsetEnv(vnt::msg::kSysLibDirVariable);
+    oldLocale ? vnt::test::setEnv("LC_ALL", keep.c_str()) : vnt::test::unsetEnv("LC_ALL");
 }
 
 // Copies are cut at size - 1; a preloaded text is returned in place, others

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <utility>
@@ -39,6 +40,25 @@ inline std::string hostStr(const std::filesystem::path& p) {
     return std::string(s.begin(), s.end());
 #else
     return p.string();
+#endif
+}
+
+/// Sets an environment variable of the process (also for the system's own
+/// calls on Windows, where the C run time keeps a copy).
+inline void setEnv(const char* name, const std::string& value) {
+#if defined(_WIN32)
+    _putenv_s(name, value.c_str());
+#else
+    ::setenv(name, value.c_str(), 1);
+#endif
+}
+
+/// Removes an environment variable of the process.
+inline void unsetEnv(const char* name) {
+#if defined(_WIN32)
+    _putenv_s(name, "");
+#else
+    ::unsetenv(name);
 #endif
 }
 

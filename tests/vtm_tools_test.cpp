@@ -62,7 +62,7 @@ TEST(VtmWriter, LibraryLayout) {
     // Preload count, size and last ID; with none preloaded no ID counts as preloaded.
     for (auto [preload, count, size, lastId] : {std::array<long, 4>{0, 0, 0, 0}, {1, 1, 2, 1}, {-1, 2, 5, 2}}) {
         const Bytes p = writeLibrary(lib("A", {{1, "x"}, {2, "yy"}}, preload));
-        EXPECT_EQ((std::vector<long>{le32(p, 64), le32(p, 68), le32(p, 72)}), (std::vector<long>{count, size, lastId})) << preload;
+        EXPECT_EQ((std::vector<long long>{le32(p, 64), le32(p, 68), le32(p, 72)}), (std::vector<long long>{count, size, lastId})) << preload;
     }
 }
 
