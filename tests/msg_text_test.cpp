@@ -178,7 +178,7 @@ TEST_F(MsgTextTest, SystemLibrarySearch) {
         {"damaged_ends_the_search", "BAD ENV DE", "C", nullptr}};
     const char* oldLocale = std::getenv("LC_ALL");
     const std::string keep = oldLocale ? oldLocale : "";
-    vnt::test::setEnv(vnt::msg::kSysLibDirVariable, env.c_str());
+    vnt::test::setEnv(vnt::msg::kSysLibDirVariable, vnt::test::hostStr(env));
     for (const Row& r : rows) {
         SCOPED_TRACE(r.name);
         for (const auto& [word, path] : places) {
