@@ -66,9 +66,10 @@ protected:
     // Fibu.vtm, compiled by vtmc from the container's segments.
     void appLibrary(const std::string& segments) const {
         std::ofstream(dir_ / "Fibu.vtms", std::ios::binary) << "container FIBU\n" << segments;
-        const std::string cmd = std::string("'") + VTMC_EXE + "' '" + (dir_ / "Fibu.vtms").string() + "' -o '" +
-                                (dir_ / "Fibu.vtm").string() + "'";
-        ASSERT_EQ(std::system(cmd.c_str()), 0) << cmd;
+        using vnt::test::shellQuote;
+        const std::string cmd = shellQuote(VTMC_EXE) + " " + shellQuote((dir_ / "Fibu.vtms").string()) + " -o " +
+                                shellQuote((dir_ / "Fibu.vtm").string());
+        ASSERT_EQ(vnt::test::runCommand(cmd), 0) << cmd;
     }
     // Whether the message interface runs (a probe start is ended again).
     static bool interfaceStarted() { return !Vnt_MsgItfInit(nullptr, 0) || (Vnt_MsgItfTerm(), false); }

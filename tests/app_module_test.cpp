@@ -53,12 +53,7 @@ void stack(const std::vector<long>& values) {
     for (long v : values) Vnt_AppModQueuePush(v);
 }
 
-// The module files as the host's tools build them.
-#if defined(_WIN32)
-constexpr const char* kExt = ".dll";
-#else
-constexpr const char* kExt = ".so";
-#endif
+using vnt::test::kModuleExt;
 
 class AppModule : public ::testing::Test {
 protected:
@@ -69,7 +64,7 @@ protected:
         fs::create_directories(dir_);
         // Copies per test: each test loads libraries of its own.
         for (const char* m : {"ModPlain", "ModTmpl", "ModNoEntry", "ModVer", "libModStack"})
-            fs::copy_file(fs::path(VANTO_TEST_MODULE_DIR) / (m + std::string(kExt)), dir_ / (m + std::string(kExt)));
+            fs::copy_file(fs::path(VANTO_TEST_MODULE_DIR) / (m + std::string(kModuleExt)), dir_ / (m + std::string(kModuleExt)));
         vnt::host::setProgramFile(lib(dir_ / "Fibu"));
         ASSERT_TRUE(vnt::host::setCurDir(lib(dir_)));
         oldBox_ = Vnt_UiSetPresenter(&box);
@@ -277,12 +272,12 @@ TEST_F(AppModule, SearchPrefersTheCurrentDirectory) {
     // The current directory's "ModPlain" library is really the stack module:
     // its result is what was pushed, the program directory's adds.
     fs::create_directories(dir_ / "work");
-    fs::copy_file(fs::path(VANTO_TEST_MODULE_DIR) / ("libModStack" + std::string(kExt)), dir_ / "work" / ("ModPlain" + std::string(kExt)));
+    fs::copy_file(fs::path(VANTO_TEST_MODULE_DIR) / ("libModStack" + std::string(kModuleExt)), dir_ / "work" / ("ModPlain" + std::string(kModuleExt)));
     ASSERT_TRUE(vnt::host::setCurDir(lib(dir_ / "work")));
     table({"10, ModPlain.dll, Dll, ModMain, 0", "11, ModPlain, Bare, ModMain, 0"});
     struct Row { long module; bool inWork; long result; };
     for (const Row& r : {Row{10, true, 77}, {11, true, 77}, {10, false, 11}, {11, false, 11}}) {
-        if (!r.inWork) fs::remove(dir_ / "work" / ("ModPlain" + std::string(kExt)));
+        if (!r.inWork) fs::remove(dir_ / "work" / ("ModPlain" + std::string(kModuleExt)));
         stack({77});
         EXPECT_TRUE(Vnt_AppModLoad(r.module, 5, 6, true)) << r.module << lastBox();
         EXPECT_EQ(Vnt_AppModResult(), r.result) << r.module << (r.inWork ? " in work" : " in the program directory");

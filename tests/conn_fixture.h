@@ -123,7 +123,8 @@ protected:
     /// back at the end) and the module table of `lines` loaded.
     void useModules(const std::vector<std::string>& lines) {
         cwd_ = vnt::host::curDir();
-        std::filesystem::copy_file(std::filesystem::path(VANTO_TEST_MODULE_DIR) / "libModStack.so", dir_ / "libModStack.so");
+        const std::string stack = std::string("libModStack") + vnt::test::kModuleExt;
+        std::filesystem::copy_file(std::filesystem::path(VANTO_TEST_MODULE_DIR) / stack, dir_ / stack);
         ASSERT_TRUE(vnt::host::setCurDir("T:\\"));
         writeIniLibrary(dir_, "Modules.vtm", lines);
         ASSERT_TRUE(vnt::app::loadModuleTable());

@@ -22,7 +22,7 @@ protected:
     void SetUp() override {
         reset();
         root_ = vnt::test::scratchDir("vanto_w32_");
-        fs::create_directories(root_ / "Daten" / "M\u00FCller");
+        fs::create_directories(root_ / "Daten" / u8"M\u00FCller");
         std::ofstream(root_ / "Daten" / "a.txt") << "abc";
         rootHost_ = vnt::test::hostStr(root_);
         ASSERT_TRUE(volMap('T', rootHost_.c_str()));
@@ -79,7 +79,7 @@ TEST_F(Win32Host, FilesWithNamesOutsideAscii) {
     // "T:\Daten\Müller\Größe €.txt": written, listed and read back by the same name.
     const std::string lib = "T:\\Daten\\M\xFCller\\Gr\xF6\xDF" "e \x80.txt";
     ASSERT_TRUE(writeFileAtomic(lib.c_str(), "data"));
-    EXPECT_TRUE(fs::exists(root_ / "Daten" / "M\u00FCller" / "Gr\u00F6\u00DFe \u20AC.txt"));
+    EXPECT_TRUE(fs::exists(root_ / "Daten" / u8"M\u00FCller" / u8"Gr\u00F6\u00DFe \u20AC.txt"));
     std::vector<DirEntry> entries;
     ASSERT_TRUE(listDir("T:\\Daten\\M\xFCller", nullptr, nullptr, entries));
     bool listed = false;

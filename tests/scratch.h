@@ -32,6 +32,13 @@ inline ScratchList& scratchList() {
 }
 }  // namespace detail
 
+/// The extension of module libraries as the host's tools build them.
+#if defined(_WIN32)
+inline constexpr const char* kModuleExt = ".dll";
+#else
+inline constexpr const char* kModuleExt = ".so";
+#endif
+
 /// A host path in the form the library's host functions take: UTF-8 (on
 /// Windows `string()` would give the ANSI code page).
 inline std::string hostStr(const std::filesystem::path& p) {
@@ -59,6 +66,29 @@ inline void unsetEnv(const char* name) {
     _putenv_s(name, "");
 #else
     ::unsetenv(name);
+#endif
+}
+
+/// `s` quoted for the system's command interpreter: '...' for sh, "..."
+/// for cmd.exe (names with a quote of that kind are not supported).
+inline std::string shellQuote(const std::string& s) {
+#if defined(_WIN32)
+    return "\"" + s + "\"";
+#else
+    return "'" + s + "'";
+#endif
+}
+
+/// Runs a command line through the command interpreter; the program's exit
+/// code, -1 when it did not end by itself.
+inline int runCommand(const std::string& cmd) {
+#if defined(_WIN32)
+    // cmd.exe takes the outermost quotes off a line that begins with one.
+    return std::system(("\"" + cmd + "\"").c_str());
+#else
+    const int status = std::system(cmd.c_str());
+    // A wait status: the exit code is in bits 8..15 when no signal ended the program.
+    return status != -1 && (status & 0x7f) == 0 ? (status >> 8) & 0xff : -1;
 #endif
 }
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/fault.h"
+#include "host/path.h"
 #include "msg/vtm_internal.h"
 #include "vanto/vtm.h"
 #include "vtmtool/vtm_writer.h"
@@ -76,8 +77,8 @@ protected:
     // Writes `bytes` as `name`; returns its library path ("Z:\...").
     std::string put(const std::string& name, const Bytes& bytes) {
         std::ofstream(dir_ / name, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
-        std::string p = "Z:" + (dir_ / name).string();
-        for (char& c : p) c = c == '/' ? '\\' : c;
+        std::string p;
+        EXPECT_TRUE(vnt::host::fromHost(vnt::test::hostStr(dir_ / name).c_str(), p)) << name;
         return p;
     }
     VNT_MSG open(const std::string& name, const Bytes& bytes) { return Vnt_VtmOpen(put(name, bytes).c_str()); }

@@ -236,15 +236,15 @@ protected:
     std::string path(const std::string& name) const { return (dir_ / name).string(); }
     void put(const std::string& name, const std::string& text) const { std::ofstream(dir_ / name, std::ios::binary) << text; }
 
-    // Runs a program with single-quoted arguments, capturing both streams.
+    // Runs a program with quoted arguments, capturing both streams.
     // `out` replaces the file that receives standard output.
     ToolRun run(const std::string& exe, const std::vector<std::string>& args, const std::string& out = {}) const {
-        std::string cmd = "'" + exe + "'";
-        for (const std::string& a : args) cmd += " '" + a + "'";
+        using vnt::test::shellQuote;
+        std::string cmd = shellQuote(exe);
+        for (const std::string& a : args) cmd += " " + shellQuote(a);
         const std::string to = out.empty() ? path("stdout") : out;
-        const int status = std::system((cmd + " >'" + to + "' 2>'" + path("stderr") + "'").c_str());
-        // A POSIX wait status: the exit code is in bits 8..15 when no signal ended the program.
-        return {status != -1 && (status & 0x7f) == 0 ? (status >> 8) & 0xff : -1, out.empty() ? readFile(to) : "",
+        cmd += " >" + shellQuote(to) + " 2>" + shellQuote(path("stderr"));
+        return {vnt::test::runCommand(cmd), out.empty() ? readFile(to) : "",
                 readFile(path("stderr"))};
     }
     std::string dump(const std::vector<std::string>& args) const { return run(VTMDUMP_EXE, args).withOut(); }
